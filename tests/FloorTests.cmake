@@ -1,0 +1,37 @@
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+# Fakes and builders. An archive: a floor's tests take from it only what they name, so what concerns a higher floor does
+# not reach them.
+file(GLOB support CONFIGURE_DEPENDS support/*.cpp)
+add_library(bomparser_test_support INTERFACE)
+target_include_directories(bomparser_test_support INTERFACE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/src")
+target_compile_definitions(bomparser_test_support INTERFACE BOMPARSER_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+target_link_libraries(bomparser_test_support INTERFACE GTest::gmock fmt::fmt)
+set(support_library bomparser_test_support)
+if(support)
+  add_library(bomparser_test_support_files STATIC ${support})
+  target_link_libraries(bomparser_test_support_files PUBLIC bomparser_test_support PRIVATE bomparser_flags)
+  set(support_library bomparser_test_support_files)
+endif()
+
+function(bomparser_add_tests name floor)
+  file(GLOB sources CONFIGURE_DEPENDS "unit/${name}/*_test.cpp")
+  if(NOT sources)
+    return()
+  endif()
+  set(target ${name}_tests)
+  add_executable(${target} ${sources})
+  target_link_libraries(${target} PRIVATE ${support_library} ${floor} GTest::gtest_main bomparser_flags)
+  gtest_discover_tests(${target}
+    TEST_PREFIX "${name}."
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 120 ENVIRONMENT "BOMPARSER_SAMPLES=${BOMPARSER_SAMPLES}")
+endfunction()
+
+bomparser_add_tests(tnbase bomparser_tnbase)
+bomparser_add_tests(input bomparser_input)
+bomparser_add_tests(template bomparser_template)
+bomparser_add_tests(entry bomparser_engine)
+bomparser_add_tests(cli bomparser_cli)

@@ -1,0 +1,28 @@
+# Which floor includes which.
+set(check_layers "${PROJECT_SOURCE_DIR}/scripts/check_layers.py")
+add_test(NAME layers COMMAND Python3::Interpreter "${check_layers}")
+add_test(NAME layers_self_test COMMAND Python3::Interpreter "${check_layers}" --self-test)
+
+# Every header compiles alone. libxml2 is left out on purpose: no header may need it but by its one door.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/src/*.h")
+list(FILTER headers EXCLUDE REGEX "^(ui|host|entry/component)/")
+set(units "")
+foreach(header IN LISTS headers)
+  set(unit "${CMAKE_CURRENT_BINARY_DIR}/headers/${header}.cpp")
+  file(CONFIGURE OUTPUT "${unit}" CONTENT "#include \"${header}\"\n" @ONLY)
+  list(APPEND units "${unit}")
+endforeach()
+if(units)
+  add_library(bomparser_headers OBJECT EXCLUDE_FROM_ALL ${units})
+  target_include_directories(bomparser_headers PRIVATE "${PROJECT_SOURCE_DIR}/src")
+  target_link_libraries(bomparser_headers PRIVATE bomparser_flags fmt::fmt CLI11::CLI11)
+  add_test(NAME headers COMMAND "${CMAKE_COMMAND}" --build "${PROJECT_BINARY_DIR}" --target bomparser_headers -j 2)
+  set_tests_properties(headers PROPERTIES TIMEOUT 600)
+endif()
+
+# Formatting and lint: what there is at test time, whether or not it is built.
+add_test(NAME format COMMAND "${PROJECT_SOURCE_DIR}/scripts/format" --check)
+add_custom_target(lint
+  COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/scripts/lint.py" --build "${PROJECT_BINARY_DIR}"
+  USES_TERMINAL
+  COMMENT "clang-tidy on what has changed")
