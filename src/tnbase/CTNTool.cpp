@@ -1,0 +1,24 @@
+#include "tnbase/CTNTool.h"
+
+#include <array>
+#include <cstddef>
+
+namespace bomparser {
+
+namespace {
+
+constexpr std::array<std::string_view, 14> kNames = {
+    "Round", "Octagon", "Square",  "Hexagon",   "Rectangle", "Oblong",  "Thermal",
+    "Donut", "Cross",   "Complex", "Magnified", "None",      "Diamond", "Polygon",
+};
+
+}  // namespace
+
+std::string_view CTNTool::GetStrFromShape(int index, bool /*longName*/) {
+  if (index < 0 || static_cast<std::size_t>(index) >= kNames.size()) {
+    return {};
+  }
+  return kNames[static_cast<std::size_t>(index)];
+}
+
+}  // namespace bomparser
