@@ -1,0 +1,180 @@
+// How blocks, rows and elements are shown.
+
+#include "input/CTNParsedFileBlock.h"
+
+#include "input/MessageTexts.h"
+
+namespace bomparser {
+
+namespace {
+
+constexpr Colour kWhite = 0xFFFFFF;
+constexpr Colour kBlack = 0x000000;
+
+struct BlockColours {
+  Colour back;
+  Colour text;
+};
+
+/// In the order of BlockKind.
+constexpr BlockColours kColours[kBlockKindCount] = {
+    {0xC8FFC8, kBlack}, {0xFFFFB0, kBlack}, {0xE4CAFF, kBlack}, {0xFFFFFF, 0xC0C0C0}};
+
+void AppendFieldId(std::string& out, const ShownElement& element) {
+  if (element.field == ShownElement::kLineFeedField) {
+    out += GetMessageText(Msg::UnknownId);
+    return;
+  }
+  out += GetMessageText(Msg::InputFieldIdPrefix);
+  out += std::to_string(element.field + 1);
+}
+
+std::string_view TypeName(const ShownElement& element) {
+  // A line end inside a scan is shown like a NEWLINE field although it is none of the pattern.
+  if (element.field == ShownElement::kLineFeedField) return "NEWLINE";
+  return element.record->fields[element.field].typeName;
+}
+
+bool IsBuiltIn(RecordKind kind) {
+  return kind == RecordKind::IgnoredLines || kind == RecordKind::UnmatchedLines;
+}
+
+}  // namespace
+
+std::string CTNParsedFileBlockElement::GetFieldId() const {
+  std::string id;
+  AppendFieldId(id, m_element);
+  return id;
+}
+
+void CTNParsedFileBlockElement::AppendText(std::string& out, const ShownElement& element,
+                                           Markup markup, Newlines newlines) {
+  const bool named = markup == Markup::On && !IsBuiltIn(element.record->kind);
+  if (named) {
+    out += '<';
+    out += element.record->id;
+    out += '.';
+    AppendFieldId(out, element);
+    out += ',';
+    out += TypeName(element);
+    out += '>';
+  } else if (newlines == Newlines::Shown && element.kind == FieldKind::Newline) {
+    out += "<NEWLINE>";
+  }
+  out += element.text;
+  if (named && !element.text.empty()) {
+    out += "</";
+    out += element.record->id;
+    out += '.';
+    AppendFieldId(out, element);
+    out += '>';
+  }
+}
+
+void CTNParsedFileBlockElement::GetText(std::string& out, Markup markup, Newlines newlines) const {
+  AppendText(out, m_element, markup, newlines);
+}
+
+void ExpandTabs(std::string& text, int tabStop) {
+  if (tabStop < 1 || text.find('\t') == std::string::npos) return;
+  const auto stop = static_cast<std::size_t>(tabStop);
+  std::string expanded;
+  for (const char c : text) {
+    if (c != '\t') {
+      expanded += c;
+      continue;
+    }
+    const std::size_t column = expanded.size();
+    const std::size_t target = column <= stop ? stop : (column + stop - 1) / stop * stop;
+    expanded.append(target - column, ' ');
+  }
+  text = std::move(expanded);
+}
+
+void CTNParsedFileBlock::GetRowText(std::string& out, std::size_t row, Markup markup,
+                                    Newlines newlines) const {
+  out.clear();
+  for (const CTNParsedFileRow& shown : GetRows(row, 1))
+    shown.GetText(out, markup, newlines);
+  ExpandTabs(out, TabStop());
+}
+
+bool CTNParsedFileBlock::IsBlankLine() const {
+  // The catch-all record's scan matches the empty text before the line end of a blank line, so
+  // there are two elements; what the user sees is a line with nothing in it.
+  CTNElementCursor cursor(Result(), GetPlace());
+  for (ShownElement element; cursor.Next(element);) {
+    if (element.EndsRow()) return true;
+    if (!element.text.empty()) return false;
+  }
+  return false;
+}
+
+std::string CTNParsedFileBlock::GetMatchText() const {
+  const std::string& unknown = GetMessageText(Msg::UnknownId);
+  if (IsStale() || GetPlace().record == CTNParsedLayout::kNoRecord) return unknown;
+  const ParsedRecordLayout& record = Result().GetLayout().Records()[GetPlace().record];
+  switch (GetKind()) {
+    case BlockKind::Unmatched:
+      return IsBlankLine() ? std::string() : GetMessageText(Msg::UnmatchedBlock);
+    case BlockKind::Ignored:
+      return GetMessageText(Msg::IgnoredBlock);
+    case BlockKind::Entity:
+    case BlockKind::Auxiliary:
+      break;
+  }
+  return record.name + " (" + record.id + ")";
+}
+
+Colour CTNParsedFileBlock::GetBackColour() const {
+  return IsStale() ? kWhite : kColours[static_cast<int>(GetKind())].back;
+}
+
+Colour CTNParsedFileBlock::GetTextColour() const {
+  return IsStale() ? kBlack : kColours[static_cast<int>(GetKind())].text;
+}
+
+void CTNParsedFileBlock::AppendReadable(std::string& out) const {
+  const ParsedBlockPlace place = GetPlace();
+  if (place.record == CTNParsedLayout::kNoRecord) {
+    out += "{}";
+    return;
+  }
+  const CTNParsedResult& result = Result();
+  const ParsedRecordLayout& record = result.GetLayout().Records()[place.record];
+  const std::uint8_t* from = result.ElementBytes() + place.elements;
+  const std::uint8_t* const end = result.ElementBytes() + place.elementsEnd;
+  std::uint32_t text = place.text;
+  const char* separator = "{";
+  out += record.id;
+  for (std::size_t i = 0; i < record.fields.size() && from < end; ++i) {
+    const ParsedFieldLayout& field = record.fields[i];
+    if (field.kind == FieldKind::SubRecord) {
+      while (from < end && *from++ == element_code::kInstance) {
+        ParsedBlockPlace nested{field.subRecord, text,
+                                static_cast<std::uint32_t>(from - result.ElementBytes()), 0};
+        result.SkipElements(field.subRecord, from, text);
+        nested.elementsEnd = static_cast<std::uint32_t>(from - result.ElementBytes());
+        out += separator + ("F" + std::to_string(i + 1)) + '=';
+        Nested(nested).AppendReadable(out);
+        separator = "|";
+      }
+      continue;
+    }
+    const auto length = element_code::TakeLength(from);
+    if (!length) continue;
+    out += separator + ("F" + std::to_string(i + 1)) + '=';
+    separator = "|";
+    if (field.kind != FieldKind::Newline) out.append(result.GetText()->Data() + text, *length);
+    text += *length;
+  }
+  out += *separator == '{' ? "{}" : "}";
+}
+
+std::string CTNParsedFileBlock::ToReadableText() const {
+  std::string text;
+  AppendReadable(text);
+  return text;
+}
+
+}  // namespace bomparser
