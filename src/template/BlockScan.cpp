@@ -1,0 +1,131 @@
+#include "template/BlockScan.h"
+
+#include "template/CTNParserTemplate.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace bomparser {
+
+BlockScan::BlockScan(const CTNParserTemplate& document,
+                     const std::shared_ptr<const CTNInputText>& text,
+                     CTNParsedBlockPtrArray& blocks, ResultUse use)
+    : m_program(document),
+      m_blocks(blocks),
+      m_result(blocks.Begin(text, m_program.GetLayout(), use)),
+      m_matcher(m_program, m_result),
+      m_singleBlocks(m_program.GetRecordCount(), -1),
+      m_orderOf(m_program.GetRecordCount(), 0) {
+  const auto& order = m_program.GetTryOrder();
+  for (std::uint32_t i = 0; i < order.size(); ++i)
+    m_orderOf[order[i]] = i;
+  m_orderOf[m_program.GetCatchAll()] = static_cast<std::uint32_t>(order.size());
+}
+
+std::ptrdiff_t BlockScan::TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd) {
+  const std::uint32_t elements = m_result.ElementEnd();
+  std::uint32_t record = m_program.GetIgnoredLines();
+  // The record sees this line alone: it does not match one that has no line end.
+  const std::uint32_t end = m_matcher.Match(record, line);
+  if (end == lineEnd) {
+    m_matcher.TakePending();
+  } else {
+    record = CTNParsedLayout::kNoRecord;
+  }
+  return m_blocks.Add(line, lineEnd, elements, record);
+}
+
+BlockScan::Taken BlockScan::TakeBlock(std::uint32_t position) {
+  const char first = m_result.GetText()->Data()[position];
+  for (const std::uint32_t record : m_program.CandidatesAt(first)) {
+    const bool single = m_program.GetRecord(record).singleMatch;
+    if (single && m_singleBlocks[record] >= 0) continue;
+    const std::uint32_t end = m_matcher.Match(record, position);
+    if (end != ProgramMatcher::kFailed) return {record, end};
+  }
+  const std::uint32_t catchAll = m_program.GetCatchAll();
+  return {catchAll, m_matcher.Match(catchAll, position)};
+}
+
+BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previous,
+                                  std::uint32_t end) {
+  m_firstBlock = m_result.GetBlockCount();
+  m_lastBlock = m_firstBlock;
+  previous = std::int64_t{position} - 1;
+  while (position < end) {
+    if (previous >= position) return Outcome::NotAdvanced;
+    previous = position;
+    const std::uint32_t elements = m_result.ElementEnd();
+    const Taken taken = TakeBlock(position);
+    if (taken.end == ProgramMatcher::kFailed) {
+      m_failedAt = position;
+      return Outcome::Unreadable;
+    }
+    m_matcher.TakePending();
+    const std::ptrdiff_t added = m_blocks.Add(position, taken.end, elements, taken.record);
+    if (added < 0) return Outcome::Cancelled;
+    if (m_program.GetRecord(taken.record).singleMatch) m_singleBlocks[taken.record] = added;
+    m_lastBlock = m_result.GetBlockCount();
+    position = taken.end;
+  }
+  return Outcome::Done;
+}
+
+std::ptrdiff_t BlockScan::GetSingleMatchBlock(const CTNTemplateRecord& record) const {
+  const std::uint32_t index = m_program.GetLayout()->IndexOf(&record);
+  return index == CTNParsedLayout::kNoRecord ? -1 : m_singleBlocks[index];
+}
+
+// ------------------------------------------------------------------------------- last attempts
+
+bool BlockScan::Attempt::operator<(const Attempt& other) const {
+  return std::tie(block, order, sequence) < std::tie(other.block, other.order, other.sequence);
+}
+
+BlockScan::Attempt BlockScan::AttemptOf(std::uint32_t record, std::uint32_t block) const {
+  const CTNMatchedRecord* matched = m_program.GetLayout()->Records()[record].record;
+  return {static_cast<const CTNTemplateRecord*>(matched), block, m_orderOf[record], 0, block};
+}
+
+/// A record was tried at every block that it, or one behind it in the order of trying, took.
+void BlockScan::AddTopLevelAttempts(std::vector<Attempt>& attempts) const {
+  const auto& order = m_program.GetTryOrder();
+  std::size_t covered = 0;  // Records from here on are still to be found an attempt for.
+  const auto cover = [&](std::size_t upTo, std::uint32_t block) {
+    for (; covered < std::min(upTo, order.size()); ++covered) {
+      const std::ptrdiff_t single = m_singleBlocks[order[covered]];
+      // A single-match record is not tried again once it has matched.
+      const auto last =
+          single < 0 ? block : m_result.GetEntry(static_cast<std::size_t>(single)).text;
+      attempts.push_back(AttemptOf(order[covered], last));
+    }
+  };
+  if (m_failedAt != ProgramMatcher::kFailed) cover(order.size(), m_failedAt);
+  for (std::size_t i = m_lastBlock; i > m_firstBlock && covered < order.size(); --i) {
+    const ParsedBlockEntry& entry = m_result.GetEntry(i - 1);
+    cover(std::size_t{m_orderOf[entry.record]} + 1, entry.text);
+  }
+}
+
+void BlockScan::AddNestedAttempts(std::vector<Attempt>& attempts) const {
+  const auto& nested = m_matcher.GetNestedAttempts();
+  for (std::uint32_t record = 0; record < nested.size(); ++record) {
+    const NestedAttempt& last = nested[record];
+    if (last.sequence == 0) continue;
+    Attempt attempt = AttemptOf(record, last.block);
+    attempt.order = m_orderOf[last.parent];
+    attempt.sequence = last.sequence;
+    attempt.position = last.position;
+    attempts.push_back(attempt);
+  }
+}
+
+std::vector<BlockScan::Attempt> BlockScan::GetLastAttempts() const {
+  std::vector<Attempt> attempts;
+  AddTopLevelAttempts(attempts);
+  AddNestedAttempts(attempts);
+  std::sort(attempts.begin(), attempts.end());
+  return attempts;
+}
+
+}  // namespace bomparser

@@ -1,0 +1,146 @@
+#include "template/CTNIdentifierKeeper.h"
+
+#include "input/MessageTexts.h"
+#include "template/CTNParserTemplate.h"
+#include "template/CTNTemplateRecord.h"
+#include "template/Identifiers.h"
+#include "template/ValueTokens.h"
+#include "tnbase/CharClass.h"
+
+namespace bomparser {
+
+CTNIdentifierKeeper::CTNIdentifierKeeper(CTNTemplateRecord& record)
+    : m_template(record.GetTemplate()) {
+  if (m_template != nullptr && m_template->Holds(&record)) {
+    Remember(*m_template);
+  } else {
+    m_template = nullptr;
+    m_alone = &record;
+    Remember(record);
+  }
+}
+
+CTNIdentifierKeeper::CTNIdentifierKeeper(CTNParserTemplate& document) : m_template(&document) {
+  Remember(document);
+}
+
+void CTNIdentifierKeeper::Remember(CTNTemplateRecord& record) {
+  Fields& fields = m_fields[&record];
+  for (const auto& field : record.GetInputFields())
+    fields.inputs.push_back(field.get());
+  for (const auto& field : record.GetOutputFields())
+    fields.outputs.push_back(field.get());
+}
+
+void CTNIdentifierKeeper::Remember(CTNParserTemplate& document) {
+  for (const auto& record : document.GetEntityRecords())
+    m_entities.push_back(record.get());
+  for (const auto& record : document.GetAuxiliaryRecords())
+    m_auxiliaries.push_back(record.get());
+  for (CTNTemplateRecord* record : m_entities)
+    Remember(*record);
+  for (CTNTemplateRecord* record : m_auxiliaries)
+    Remember(*record);
+}
+
+std::vector<CTNTemplateRecord*> CTNIdentifierKeeper::RecordsNow() const {
+  std::vector<CTNTemplateRecord*> records;
+  if (m_template == nullptr) return {m_alone};
+  for (const auto& record : m_template->GetAuxiliaryRecords())
+    records.push_back(record.get());
+  for (const auto& record : m_template->GetEntityRecords())
+    records.push_back(record.get());
+  return records;
+}
+
+CTNIdentifierKeeper::Ids CTNIdentifierKeeper::IdsNow() const {
+  Ids ids;
+  for (const CTNTemplateRecord* record : RecordsNow()) {
+    ids[record] = record->GetRecordId();
+    std::size_t index = 0;
+    for (const auto& field : record->GetInputFields()) {
+      const CTNTemplRecField* base = field.get();
+      ids[base] = MakeIdentifier(Msg::InputFieldIdPrefix, index++);
+    }
+    index = 0;
+    for (const auto& field : record->GetOutputFields()) {
+      const CTNTemplRecField* base = field.get();
+      ids[base] = MakeIdentifier(Msg::OutputElementIdPrefix, index++);
+    }
+  }
+  return ids;
+}
+
+bool CTNIdentifierKeeper::MeansSomething(const Fields& fields, const std::string& token,
+                                         const void*& meaning) const {
+  std::size_t index = 0;
+  if (ReadIdentifier(token, Msg::InputFieldIdPrefix, index) && index < fields.inputs.size()) {
+    meaning = fields.inputs[index];
+    return true;
+  }
+  if (ReadIdentifier(token, Msg::OutputElementIdPrefix, index) && index < fields.outputs.size()) {
+    meaning = fields.outputs[index];
+    return true;
+  }
+  return false;
+}
+
+const CTNTemplateRecord* CTNIdentifierKeeper::RecordMeant(const std::string& token) const {
+  std::size_t index = 0;
+  if (ReadIdentifier(token, Msg::EntityIdPrefix, index) && index < m_entities.size()) {
+    return m_entities[index];
+  }
+  if (ReadIdentifier(token, Msg::AuxiliaryIdPrefix, index) && index < m_auxiliaries.size()) {
+    return m_auxiliaries[index];
+  }
+  return nullptr;
+}
+
+std::string CTNIdentifierKeeper::Renamed(const CTNTemplateRecord& record,
+                                         const std::string& expression, const Ids& ids) const {
+  const std::string& gone = GetMessageText(Msg::UnknownId);
+  const auto idOf = [&ids, &gone](const void* meaning) -> const std::string& {
+    const auto found = ids.find(meaning);
+    return found == ids.end() ? gone : found->second;
+  };
+  const auto own = m_fields.find(&record);
+  std::string renamed;
+  std::size_t position = 0;
+  // The record whose fields the token behind a dot means; a dot must follow its record at once.
+  const CTNTemplateRecord* dotted = nullptr;
+  const CTNTemplateRecord* before = nullptr;
+  for (const std::string& token : CutIntoTokens(expression)) {
+    const std::string_view written = std::string_view(expression).substr(position, token.size());
+    position += written.size();
+    const void* meaning = nullptr;
+    const auto scope = dotted != nullptr ? m_fields.find(dotted) : own;
+    const CTNTemplateRecord* meant = dotted != nullptr ? nullptr : RecordMeant(token);
+    dotted = token == "." ? before : nullptr;
+    before = nullptr;
+    if (scope != m_fields.end() && MeansSomething(scope->second, token, meaning)) {
+      renamed += idOf(meaning);
+    } else if (meant != nullptr) {
+      before = meant;
+      renamed += idOf(meant);
+    } else {
+      renamed += written;
+    }
+  }
+  return renamed;
+}
+
+void CTNIdentifierKeeper::Apply() {
+  const Ids ids = IdsNow();
+  const std::vector<CTNTemplateRecord*> records = RecordsNow();
+  for (CTNTemplateRecord* record : records) {
+    for (const auto& element : record->GetOutputFields()) {
+      const std::string renamed = Renamed(*record, element->GetExpression(), ids);
+      // An identifier keeps the case it was typed in as long as it still means the same.
+      if (!EqualsNoCase(renamed, element->GetExpression())) element->SetExpression(renamed);
+    }
+  }
+  for (CTNTemplateRecord* record : records)
+    record->ReparseOutputExpressions();
+}
+
+}  // namespace bomparser

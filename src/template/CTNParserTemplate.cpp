@@ -1,0 +1,313 @@
+#include "template/CTNParserTemplate.h"
+
+#include "input/MessageTexts.h"
+#include "template/BlockScan.h"
+#include "template/CTNIdentifierKeeper.h"
+#include "template/Identifiers.h"
+#include "tnbase/CharClass.h"
+#include "tnbase/NumberText.h"
+#include "tnbase/TNPath.h"
+
+#include <algorithm>
+#include <new>
+
+namespace bomparser {
+
+namespace {
+
+constexpr Msg kUnitsNames[] = {Msg::UnitsInch, Msg::UnitsMm, Msg::UnitsMil};
+constexpr int kScaleDecimals = 6;
+
+std::string UnitsName(std::int32_t units) {
+  if (units < 0 || units >= static_cast<std::int32_t>(std::size(kUnitsNames))) return {};
+  return GetMessageText(kUnitsNames[units]);
+}
+
+}  // namespace
+
+CTNParserTemplate::CTNParserTemplate(CTNParserContext* context)
+    : CTNTemplateArrayElement(context), m_catchAll(this), m_ignoredLines(this) {
+  CTNParserTemplate::Init();
+}
+
+CTNParserTemplate::~CTNParserTemplate() = default;
+
+std::int32_t CTNParserTemplate::Init() {
+  if (CTNTemplateArrayElement::Init() == 0) return 0;
+  DeleteAllRecords();
+  m_catchAll.InitCatchAll();
+  m_ignoredLines.InitCatchAll();
+  m_ignoredLines.SetType(RecordKind::IgnoredLines);
+  m_filePath = GetMessageText(Msg::UnsavedPath);
+  m_title = GetMessageText(Msg::UntitledTemplate);
+  m_units = 0;
+  m_unitsName = UnitsName(0);
+  m_scaleFactor = 1.0;
+  m_beginRow = 1;
+  m_endAfterRow = 0;
+  m_modified = false;
+  m_errorLog.ClearLog();
+  m_errorLog.SetLogName(GetMessageText(Msg::TemplateErrorLogName));
+  m_empty = true;
+  return 1;
+}
+
+// ------------------------------------------------------------------------------- records
+
+CTNParserTemplate::RecordList& CTNParserTemplate::ListOf(RecordKind kind) {
+  return IsEntityKind(kind) ? m_entityRecords : m_auxiliaryRecords;
+}
+
+void CTNParserTemplate::Renumber(RecordList& list, std::size_t from) {
+  for (std::size_t i = from; i < list.size(); ++i)
+    list[i]->m_position = i;
+}
+
+CTNTemplateRecord* CTNParserTemplate::Insert(std::unique_ptr<CTNTemplateRecord> record,
+                                             const CTNTemplateRecord* before) {
+  try {
+    RecordList& list = ListOf(record->GetType());
+    CTNTemplateRecord* const added = record.get();
+    const bool inList = before != nullptr && Holds(before) && &ListOf(before->GetType()) == &list;
+    if (!inList) {
+      list.push_back(std::move(record));
+      added->m_position = list.size() - 1;
+      return added;
+    }
+    CTNIdentifierKeeper keeper(*this);
+    const std::size_t place = before->m_position;
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), std::move(record));
+    Renumber(list, place);
+    keeper.Apply();
+    return added;
+  } catch (const std::bad_alloc&) {
+    ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
+    return nullptr;
+  }
+}
+
+CTNTemplateRecord* CTNParserTemplate::AddRecord(RecordKind kind, std::string_view description,
+                                                const CTNTemplateRecord* before) {
+  auto record = std::make_unique<CTNTemplateRecord>(this);
+  record->SetType(kind);
+  record->SetDescription(description);
+  return Insert(std::move(record), before);
+}
+
+CTNTemplateRecord* CTNParserTemplate::AddRecordCopy(const CTNTemplateRecord& record) {
+  auto copy = std::make_unique<CTNTemplateRecord>(this);
+  copy->Copy(record);
+  return Insert(std::move(copy), nullptr);
+}
+
+bool CTNParserTemplate::Holds(const CTNTemplateRecord* record) const {
+  return record != nullptr && record->GetTemplate() == this &&
+         record->m_position != CTNTemplateRecord::kNotInTemplate;
+}
+
+void CTNParserTemplate::UnlinkRecord(const CTNTemplateRecord* gone) {
+  for (RecordList* list : {&m_entityRecords, &m_auxiliaryRecords}) {
+    for (const auto& record : *list) {
+      // Nested blocks name the records that matched them.
+      record->SetSingleMatchBlock(nullptr);
+      for (const auto& field : record->GetInputFields()) {
+        if (field->GetSubRecord() == gone) field->ForgetSubRecord();
+      }
+    }
+  }
+}
+
+void CTNParserTemplate::DeleteRecord(const CTNTemplateRecord* record) {
+  if (!Holds(record)) return;
+  RecordList& list = ListOf(record->GetType());
+  CTNIdentifierKeeper keeper(*this);
+  UnlinkRecord(record);
+  const std::size_t place = record->m_position;
+  list.erase(list.begin() + static_cast<std::ptrdiff_t>(place));
+  Renumber(list, place);
+  keeper.Apply();
+}
+
+void CTNParserTemplate::DeleteAllRecords() {
+  m_scan = nullptr;
+  m_entityRecords.clear();
+  m_auxiliaryRecords.clear();
+}
+
+bool CTNParserTemplate::MoveRecord(const CTNTemplateRecord* record,
+                                   const CTNTemplateRecord* before) {
+  if (!Holds(record)) return false;
+  if (record == before) return true;
+  RecordList& list = ListOf(record->GetType());
+  CTNIdentifierKeeper keeper(*this);
+  const auto from = list.begin() + static_cast<std::ptrdiff_t>(record->m_position);
+  std::unique_ptr<CTNTemplateRecord> taken = std::move(*from);
+  list.erase(from);
+  const auto to = std::find_if(list.begin(), list.end(),
+                               [before](const auto& entry) { return entry.get() == before; });
+  list.insert(to, std::move(taken));
+  Renumber(list, 0);
+  keeper.Apply();
+  return true;
+}
+
+std::string CTNParserTemplate::GetRecordID(const CTNTemplateRecord* record) const {
+  if (!Holds(record)) return GetMessageText(Msg::UnknownId);
+  return MakeIdentifier(record->IsAuxiliary() ? Msg::AuxiliaryIdPrefix : Msg::EntityIdPrefix,
+                        record->m_position);
+}
+
+CTNTemplateRecord* CTNParserTemplate::FindRecordByID(std::string_view id) const {
+  std::size_t index = 0;
+  if (ReadIdentifier(id, Msg::EntityIdPrefix, index)) {
+    return index < m_entityRecords.size() ? m_entityRecords[index].get() : nullptr;
+  }
+  if (ReadIdentifier(id, Msg::AuxiliaryIdPrefix, index)) {
+    return index < m_auxiliaryRecords.size() ? m_auxiliaryRecords[index].get() : nullptr;
+  }
+  return nullptr;
+}
+
+bool CTNParserTemplate::IsFieldReferenced(const CTNTemplRecField* field, bool skipOwnRecord) const {
+  for (const RecordList* list : {&m_entityRecords, &m_auxiliaryRecords}) {
+    for (const auto& record : *list) {
+      if (skipOwnRecord && record.get() == field->GetParentRecord()) continue;
+      if (record->IsFieldReferenced(field)) return true;
+    }
+  }
+  return false;
+}
+
+// ------------------------------------------------------------------------------- parameters
+
+bool CTNParserTemplate::IsTemplateAttributeName(std::string_view name) {
+  return EqualsNoCase(name, GetMessageText(Msg::TemplateUnitsAttribute)) ||
+         EqualsNoCase(name, GetMessageText(Msg::TemplateScaleAttribute));
+}
+
+bool CTNParserTemplate::GetTemplateAttribute(std::string_view name, std::string& text) const {
+  if (!IsTemplateAttributeName(name)) return false;
+  const bool units = EqualsNoCase(name, GetMessageText(Msg::TemplateUnitsAttribute));
+  text = units ? m_unitsName : FormatFixed(m_scaleFactor, kScaleDecimals);
+  return true;
+}
+
+void CTNParserTemplate::SetUnits(std::int32_t units) {
+  if (units == m_units) return;
+  m_units = units;
+  m_unitsName = UnitsName(units);
+}
+
+void CTNParserTemplate::SetModified(ChangeKind change) {
+  m_modified = change != ChangeKind::None;
+  if (!m_modified) return;
+  m_empty = false;
+  if (GetContext() != nullptr) GetContext()->OnTemplateModified();
+}
+
+bool CTNParserTemplate::ReportError(std::string_view text, ErrorShown shown) {
+  return GetContext() != nullptr ? GetContext()->ReportError(text, shown)
+                                 : m_errorLog.AddMessage(text);
+}
+
+std::int32_t CTNParserTemplate::Validate() {
+  bool valid = true;
+  for (const RecordList* list : {&m_auxiliaryRecords, &m_entityRecords}) {
+    for (const auto& record : *list)
+      valid = record->Validate() != 0 && valid;
+  }
+  SetValid(valid ? 1 : 0);
+  return IsValid();
+}
+
+std::string CTNParserTemplate::GetTemplateFileName() const {
+  return TNGetFNameFromPath(m_filePath);
+}
+
+// ------------------------------------------------------------------------------- file
+
+void CTNParserTemplate::RegisterBindings(XmlBindingTable& bindings) {
+  bindings.Add("DEFAULT_UNITS", &m_unitsName);
+  bindings.Add("SCALE_FACTOR", &m_scaleFactor);
+  bindings.Add("BEGIN_TRANSLATION_AT_ROW", &m_beginRow);
+  bindings.Add("END_TRANSLATION_AFTER_ROW", &m_endAfterRow);
+  bindings.Add("TITLE", &m_title);
+}
+
+int CTNParserTemplate::OnBeginNode(XmlNode node, bool& handled) {
+  const std::string name = node.Name();
+  m_recognised = m_recognised || name == "PARSER_TEMPLATE" || name == "TEMPLATE_RECORD";
+  handled = name == "TEMPLATE_RECORD";
+  if (!handled) return kXmlOk;
+  auto record = std::make_unique<CTNTemplateRecord>(this);
+  const int status = record->Walk(node);
+  if (status < 0) return status;
+  record->FixUpAfterLoad();
+  return Insert(std::move(record), nullptr) != nullptr ? kXmlOk : kXmlOutOfMemory;
+}
+
+bool CTNParserTemplate::OnNode(XmlNode node, const XmlBindingTable& bindings) {
+  const bool consumed = CXMLArchive::OnNode(node, bindings);
+  m_recognised = m_recognised || consumed;
+  return consumed;
+}
+
+int CTNParserTemplate::LoadFromXml(std::string_view xmlText) {
+  m_recognised = false;
+  return FinishLoad(Load(xmlText));
+}
+
+int CTNParserTemplate::LoadFromFile(const std::string& path) {
+  m_recognised = false;
+  return FinishLoad(LoadFile(path));
+}
+
+void CTNParserTemplate::ResolveAndValidate(RecordList& list) {
+  // Last to first, and all of them once more: a record can only be found valid after the ones that
+  // it names, and those usually stand in front of or behind it.
+  for (auto at = list.rbegin(); at != list.rend(); ++at)
+    (*at)->ResolveAfterLoad();
+  for (auto at = list.rbegin(); at != list.rend(); ++at)
+    (*at)->Validate();
+}
+
+int CTNParserTemplate::FinishLoad(int status) {
+  ClearDocument();
+  if (status == kXmlNotWellFormed || status == kXmlOutOfMemory) return status;
+  if (!m_recognised) return kXmlGeneralFailure;
+  ResolveAndValidate(m_auxiliaryRecords);
+  ResolveAndValidate(m_entityRecords);
+  const std::string loaded = m_unitsName;
+  m_unitsName = UnitsName(m_units);
+  for (std::int32_t units = 0; units < static_cast<std::int32_t>(std::size(kUnitsNames)); ++units) {
+    if (EqualsNoCase(loaded, UnitsName(units))) SetUnits(units);
+  }
+  m_empty = false;
+  return kXmlOk;
+}
+
+int CTNParserTemplate::Serialize(XmlNode parent) {
+  ClearDocument();
+  XmlNode node = WriteNode({XmlNodeKind::BeginElement, "PARSER_TEMPLATE"}, parent);
+  const auto element = [this, &node](std::string_view name, XmlValue value) {
+    node = WriteNode({XmlNodeKind::BeginElement, name}, node);
+    node = WriteNode({XmlNodeKind::Text, {}, std::move(value)}, node);
+    node = WriteNode({XmlNodeKind::EndElement}, node);
+  };
+  element("DEFAULT_UNITS", m_unitsName);
+  element("SCALE_FACTOR", m_scaleFactor);
+  element("BEGIN_TRANSLATION_AT_ROW", m_beginRow);
+  element("END_TRANSLATION_AFTER_ROW", m_endAfterRow);
+  element("TITLE", m_title);
+  if (WriteStatus() != kXmlOk) return WriteStatus();
+  for (const RecordList* list : {&m_auxiliaryRecords, &m_entityRecords}) {
+    for (const auto& record : *list) {
+      if (const int status = record->Serialize(node); status != kXmlOk) return status;
+    }
+  }
+  node = WriteNode({XmlNodeKind::EndElement}, node);
+  WriteNode({XmlNodeKind::Done}, node);
+  return WriteStatus();
+}
+
+}  // namespace bomparser

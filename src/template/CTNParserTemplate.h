@@ -1,0 +1,162 @@
+#pragma once
+
+#include "input/CTNParserErrorLog.h"
+#include "input/roles/CTNFrontEnd.h"
+#include "input/roles/CTNTemplateToApply.h"
+#include "template/CTNTemplateArrayElement.h"
+#include "template/CTNTemplateRecord.h"
+#include "template/CXMLArchive.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace bomparser {
+
+class BlockScan;
+class MatchProgram;
+
+/// What edits of a template are told as; any other value than None marks the template as modified.
+enum class ChangeKind : std::int32_t { None = 0, Modified = 1 };
+
+/// The template document: a parser template in memory. Owns its records in two ordered lists,
+/// entity and auxiliary records, reads and writes the template file, and cuts input files into
+/// blocks. The engine owns one and refills it.
+class CTNParserTemplate final : public CTNTemplateArrayElement,
+                                public CXMLArchive,
+                                public CTNTemplateToApply {
+ public:
+  using RecordList = std::vector<std::unique_ptr<CTNTemplateRecord>>;
+
+  /// An empty template. The engine may be null.
+  explicit CTNParserTemplate(CTNParserContext* context);
+  ~CTNParserTemplate() override;
+  CTNParserTemplate(const CTNParserTemplate&) = delete;
+  CTNParserTemplate& operator=(const CTNParserTemplate&) = delete;
+
+  /// Empty, "untitled", "unsaved", Inch, scale 1, all lines, nothing in the error log.
+  std::int32_t Init() override;
+
+  // Records. A record goes to the list that its type selects, before `before` or at the end when
+  // that is null or not in that list. Expressions follow the records that they name.
+
+  CTNTemplateRecord* AddRecord(RecordKind kind, std::string_view description,
+                               const CTNTemplateRecord* before = nullptr);
+  /// Appends a copy of a record, fields included.
+  CTNTemplateRecord* AddRecordCopy(const CTNTemplateRecord& record);
+  /// Deletes the record. Fields and expressions that name it read as unresolved from then on.
+  /// Unknown records are ignored.
+  void DeleteRecord(const CTNTemplateRecord* record);
+  void DeleteAllRecords();
+  /// Moves a record within its list. False if it is in none.
+  bool MoveRecord(const CTNTemplateRecord* record, const CTNTemplateRecord* before);
+  bool Holds(const CTNTemplateRecord* record) const;
+  const RecordList& GetEntityRecords() const { return m_entityRecords; }
+  const RecordList& GetAuxiliaryRecords() const { return m_auxiliaryRecords; }
+  const CTNTemplateRecord& GetCatchAllRecord() const { return m_catchAll; }
+  const CTNTemplateRecord& GetIgnoredLinesRecord() const { return m_ignoredLines; }
+
+  /// "E1", "A2"; "??" for a record of neither list.
+  std::string GetRecordID(const CTNTemplateRecord* record) const;
+  /// The record with this identifier, compared without case; null when there is none.
+  CTNTemplateRecord* FindRecordByID(std::string_view id) const;
+  /// True if any record refers to the field; the field's own record may be left out.
+  bool IsFieldReferenced(const CTNTemplRecField* field, bool skipOwnRecord) const;
+
+  // Attributes and parameters.
+
+  static bool IsTemplateAttributeName(std::string_view name);
+  /// "TEMPL_UNITS" gives the units' name, "TEMPL_SCALE" the scale factor with six decimals.
+  bool GetTemplateAttribute(std::string_view name, std::string& text) const;
+  const std::string& GetTitle() const { return m_title; }
+  void SetTitle(std::string_view title) { m_title = title; }
+  std::int32_t GetBeginRow() const { return m_beginRow; }
+  void SetBeginRow(std::int32_t row) { m_beginRow = row; }
+  /// 1 and more counts from the top of the file, 0 and less is the negated count from its end.
+  std::int32_t GetEndAfterRow() const { return m_endAfterRow; }
+  void SetEndAfterRow(std::int32_t row) { m_endAfterRow = row; }
+  /// 0 Inch, 1 MM, 2 Mil; any other index has the empty name.
+  std::int32_t GetUnits() const { return m_units; }
+  void SetUnits(std::int32_t units);
+  const std::string& GetUnitsName() const { return m_unitsName; }
+  double GetScaleFactor() const { return m_scaleFactor; }
+  void SetScaleFactor(double factor) { m_scaleFactor = factor; }
+
+  const std::string& GetFilePath() const { return m_filePath; }
+  void SetFilePath(std::string_view path) { m_filePath = path; }
+  bool IsModified() const { return m_modified; }
+  /// Stores the flag; when it is set the template is no longer empty, and the engine is told.
+  void SetModified(ChangeKind change);
+  /// The flag alone: after saving and loading.
+  void ClearModified() { m_modified = false; }
+
+  CTNTemplateErrorLog& GetErrorLog() { return m_errorLog; }
+  /// Adds one entry to the error log, through the engine when there is one.
+  bool ReportError(std::string_view text, ErrorShown shown);
+
+  /// Validates every record, auxiliary ones first; true if all are valid.
+  std::int32_t Validate() override;
+
+  // The template file.
+
+  /// Rebuilds the template, which was reset before, from XML text. A negative status leaves it
+  /// reset: kXmlNotWellFormed with the details in LastParseFailure, kXmlGeneralFailure for a
+  /// document that holds nothing of a template, kXmlOutOfMemory.
+  int LoadFromXml(std::string_view xmlText);
+  /// The same from a file.
+  int LoadFromFile(const std::string& path);
+  int Serialize(XmlNode parent) override;
+  int OnBeginNode(XmlNode node, bool& handled) override;
+  bool OnNode(XmlNode node, const XmlBindingTable& bindings) override;
+
+  // Applying; see CTNTemplateToApply.
+
+  LineLimits GetLineLimits() const override { return {m_beginRow, m_endAfterRow}; }
+  bool IsEmptyTemplate() const override { return m_empty; }
+  std::string GetTemplateFileName() const override;
+  void BeginApplication(const std::shared_ptr<const CTNInputText>& text,
+                        CTNParsedBlockPtrArray& blocks, ResultUse use) override;
+  std::ptrdiff_t TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd,
+                                 CTNParsedBlockPtrArray& blocks) override;
+  bool ParseFile(CTNStringCharBuffIter& text, CTNParsedBlockPtrArray& blocks, std::string& error,
+                 bool& cancelled) override;
+  void EndApplication(const CTNParsedBlockPtrArray& blocks) override;
+
+  /// Whether fields show, after an application, the values of the last attempt at their record.
+  /// Finding them takes a little time, which a program without a window need not spend.
+  void SetKeepCurrentValues(bool keep) { m_keepCurrentValues = keep; }
+
+ private:
+  RecordList& ListOf(RecordKind kind);
+  CTNTemplateRecord* Insert(std::unique_ptr<CTNTemplateRecord> record,
+                            const CTNTemplateRecord* before);
+  static void Renumber(RecordList& list, std::size_t from);
+  void UnlinkRecord(const CTNTemplateRecord* record);
+  void RegisterBindings(XmlBindingTable& bindings) override;
+  int FinishLoad(int status);
+  void ResolveAndValidate(RecordList& list);
+  void ReplayLastAttempts(const CTNParsedBlockPtrArray& blocks);
+
+  CTNTemplateRecord m_catchAll;
+  CTNTemplateRecord m_ignoredLines;  // Never written to a file.
+  CTNTemplateErrorLog m_errorLog;
+  bool m_modified = false;
+  bool m_empty = true;
+  std::string m_filePath;
+  std::string m_title;
+  std::int32_t m_beginRow = 1;
+  std::int32_t m_endAfterRow = 0;
+  std::int32_t m_units = 0;
+  std::string m_unitsName;
+  double m_scaleFactor = 1.0;
+  RecordList m_entityRecords;
+  RecordList m_auxiliaryRecords;
+  bool m_recognised = false;  // While loading: the document holds something of a template.
+  bool m_keepCurrentValues = true;
+  std::unique_ptr<BlockScan> m_scan;  // From BeginApplication to EndApplication.
+};
+
+}  // namespace bomparser

@@ -1,0 +1,508 @@
+#include "template/CTNTemplateRecord.h"
+
+#include "input/CTNParsedFileBlock.h"
+#include "input/MessageTexts.h"
+#include "template/CTNIdentifierKeeper.h"
+#include "template/CTNParserTemplate.h"
+#include "template/Identifiers.h"
+#include "tnbase/CharClass.h"
+
+#include <algorithm>
+#include <new>
+
+namespace bomparser {
+
+namespace {
+
+/// Place of the field in its array; the array's size when it is not there.
+template <class Array, class Field>
+std::size_t PlaceOf(const Array& array, const Field* field) {
+  const auto found = std::find_if(array.begin(), array.end(),
+                                  [field](const auto& entry) { return entry.get() == field; });
+  return static_cast<std::size_t>(found - array.begin());
+}
+
+template <class Array, class Field>
+auto Take(Array& array, const Field* field) {
+  typename Array::value_type taken;
+  const std::size_t place = PlaceOf(array, field);
+  if (place == array.size()) return taken;
+  taken = std::move(array[place]);
+  array.erase(array.begin() + static_cast<std::ptrdiff_t>(place));
+  return taken;
+}
+
+template <class Array, class Field>
+auto* Put(Array& array, std::unique_ptr<Field> field, const Field* before) {
+  const auto place = static_cast<std::ptrdiff_t>(PlaceOf(array, before));
+  return array.insert(array.begin() + place, std::move(field))->get();
+}
+
+template <class Array, class Field>
+Field* Insert(CTNTemplateRecord& record, Array& array, std::unique_ptr<Field> field,
+              const Field* before) {
+  // Behind the last one nothing changes its place.
+  if (PlaceOf(array, before) == array.size()) return Put(array, std::move(field), before);
+  CTNIdentifierKeeper keeper(record);
+  Field* const inserted = Put(array, std::move(field), before);
+  keeper.Apply();
+  return inserted;
+}
+
+template <class Array, class Field>
+bool Move(CTNTemplateRecord& record, Array& array, const Field* field, const Field* before) {
+  if (PlaceOf(array, field) == array.size()) return false;
+  if (field == before) return true;
+  CTNIdentifierKeeper keeper(record);
+  Put(array, Take(array, field), before);
+  keeper.Apply();
+  return true;
+}
+
+}  // namespace
+
+CTNTemplateRecord::CTNTemplateRecord(CTNParserTemplate* owner)
+    : CTNTemplateArrayElement(owner != nullptr ? owner->GetContext() : nullptr),
+      m_template(owner),
+      m_lineFeedField(nullptr) {
+  CTNTemplateRecord::Init();
+}
+
+CTNTemplateRecord::~CTNTemplateRecord() = default;
+
+std::int32_t CTNTemplateRecord::Init() {
+  if (CTNTemplateArrayElement::Init() == 0) return 0;
+  m_kind = RecordKind::FreshEntity;
+  ClearFields();
+  m_lineFeedField.SetType(FieldKind::Newline);
+  m_lineFeedField.SetParentRecord(this);
+  m_description.clear();
+  m_singleMatchBlock = nullptr;
+  Validate();
+  return 1;
+}
+
+void CTNTemplateRecord::InitCatchAll() {
+  Init();
+  AddInputField(FieldKind::ScanToNext, true);
+  AddInputField(FieldKind::Newline, true);
+  m_kind = RecordKind::UnmatchedLines;
+  Validate();
+}
+
+// ------------------------------------------------------------------------------- fields
+
+void CTNTemplateRecord::ReportNoMemory() const {
+  if (m_template != nullptr) {
+    m_template->ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
+  }
+}
+
+CTNTemplRecInField* CTNTemplateRecord::AddInputField(FieldKind kind, bool required,
+                                                     const CTNTemplRecInField* before) {
+  auto field = std::make_unique<CTNTemplRecInField>(this);
+  field->SetType(kind);
+  field->SetRequired(required);
+  return InsertField(std::move(field), before);
+}
+
+CTNTemplRecInField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecInField> field,
+                                                   const CTNTemplRecInField* before) {
+  if (!field) return nullptr;
+  try {
+    field->SetParentRecord(this);
+    return Insert(*this, m_inputFields, std::move(field), before);
+  } catch (const std::bad_alloc&) {
+    ReportNoMemory();
+    return nullptr;
+  }
+}
+
+CTNTemplRecOutField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecOutField> field,
+                                                    const CTNTemplRecOutField* before) {
+  if (!field) return nullptr;
+  try {
+    field->SetParentRecord(this);
+    return Insert(*this, m_outputFields, std::move(field), before);
+  } catch (const std::bad_alloc&) {
+    ReportNoMemory();
+    return nullptr;
+  }
+}
+
+std::unique_ptr<CTNTemplRecInField> CTNTemplateRecord::RemoveField(
+    const CTNTemplRecInField* field) {
+  CTNIdentifierKeeper keeper(*this);
+  auto taken = Take(m_inputFields, field);
+  if (taken) keeper.Apply();
+  return taken;
+}
+
+std::unique_ptr<CTNTemplRecOutField> CTNTemplateRecord::RemoveField(
+    const CTNTemplRecOutField* field) {
+  CTNIdentifierKeeper keeper(*this);
+  auto taken = Take(m_outputFields, field);
+  if (taken) keeper.Apply();
+  return taken;
+}
+
+bool CTNTemplateRecord::MoveField(const CTNTemplRecInField* field,
+                                  const CTNTemplRecInField* before) {
+  return Move(*this, m_inputFields, field, before);
+}
+
+bool CTNTemplateRecord::MoveField(const CTNTemplRecOutField* field,
+                                  const CTNTemplRecOutField* before) {
+  return Move(*this, m_outputFields, field, before);
+}
+
+CTNTemplRecInField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecInField& field) {
+  auto copy = std::make_unique<CTNTemplRecInField>(this);
+  copy->CopyFrom(field);
+  return InsertField(std::move(copy));
+}
+
+CTNTemplRecOutField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecOutField& field) {
+  auto copy = std::make_unique<CTNTemplRecOutField>(this);
+  copy->CopyFrom(field);
+  return InsertField(std::move(copy));
+}
+
+void CTNTemplateRecord::ClearFields() {
+  m_inputFields.clear();
+  m_outputFields.clear();
+}
+
+void CTNTemplateRecord::Copy(const CTNTemplateRecord& other) {
+  if (&other == this) return;
+  CTNTemplateArrayElement::operator=(other);
+  ClearFields();
+  for (const auto& field : other.m_inputFields)
+    AppendCopyOfField(*field);
+  for (const auto& field : other.m_outputFields)
+    AppendCopyOfField(*field);
+  m_kind = other.m_kind;
+  m_description = other.m_description;
+  m_lineFeedField.CopyFrom(other.m_lineFeedField);
+  m_lineFeedField.SetParentRecord(this);
+  m_singleMatchBlock = other.m_singleMatchBlock;
+}
+
+// ------------------------------------------------------------------------------- identifiers
+
+bool CTNTemplateRecord::FindFieldIndex(const CTNTemplRecField* field, std::size_t& index) const {
+  index = PlaceOf(m_inputFields, field);
+  if (index < m_inputFields.size()) return true;
+  index = PlaceOf(m_outputFields, field);
+  return index < m_outputFields.size();
+}
+
+bool CTNTemplateRecord::GetFieldID(const CTNTemplRecField* field, std::string& id) const {
+  std::size_t index = 0;
+  if (!FindFieldIndex(field, index)) {
+    id = GetMessageText(Msg::UnknownId);
+    return false;
+  }
+  const bool input = index < m_inputFields.size() && m_inputFields[index].get() == field;
+  id = MakeIdentifier(input ? Msg::InputFieldIdPrefix : Msg::OutputElementIdPrefix, index);
+  return true;
+}
+
+bool CTNTemplateRecord::FindFieldByID(std::string_view id, FoundField& found) const {
+  found = {};
+  std::size_t index = 0;
+  if (ReadIdentifier(id, Msg::InputFieldIdPrefix, index) && index < m_inputFields.size()) {
+    found.input = m_inputFields[index].get();
+  } else if (ReadIdentifier(id, Msg::OutputElementIdPrefix, index) &&
+             index < m_outputFields.size()) {
+    found.output = m_outputFields[index].get();
+  }
+  return found.input != nullptr || found.output != nullptr;
+}
+
+bool CTNTemplateRecord::IsFieldReferenced(const CTNTemplRecField* field) const {
+  const CircleGuard guard(m_visiting);
+  if (guard.IsCircle()) return false;
+  for (const auto& element : m_outputFields) {
+    if (element->RefersTo(field)) return true;
+  }
+  for (const auto& input : m_inputFields) {
+    const CTNTemplateRecord* sub = input->GetSubRecord();
+    if (sub != nullptr && sub->IsFieldReferenced(field)) return true;
+  }
+  return false;
+}
+
+std::string CTNTemplateRecord::GetRecordId() const {
+  return m_template != nullptr ? m_template->GetRecordID(this) : GetMessageText(Msg::UnknownId);
+}
+
+// ------------------------------------------------------------------------------- output tags
+
+bool CTNTemplateRecord::HasOutputTag(OutputTag tag) const {
+  bool reached = false;
+  for (const auto& element : m_outputFields) {
+    if (element->GetTag() == tag) return true;
+    // Each NONE element's answer replaces the one before; templates rely on the last one counting.
+    if (element->GetTag() == OutputTag::None) reached = element->ReferencesTag(tag);
+  }
+  return reached;
+}
+
+std::size_t CTNTemplateRecord::CountOutputTag(OutputTag tag) const {
+  std::size_t count = 0;
+  for (const auto& element : m_outputFields) {
+    if (element->GetTag() == tag) ++count;
+    if (element->ReferencesTag(tag)) ++count;
+  }
+  return count;
+}
+
+bool CTNTemplateRecord::IsRequiredTag(OutputTag tag) const {
+  if (IsTagRequiredByType(m_kind, tag)) return true;
+  return m_kind == RecordKind::Aperture && IsTagRequiredByShape(GetApertureShape(), tag);
+}
+
+bool CTNTemplateRecord::CreateRequiredOutputSet() {
+  for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
+    const auto tag = static_cast<OutputTag>(code);
+    const bool present =
+        std::any_of(m_outputFields.begin(), m_outputFields.end(),
+                    [tag](const auto& element) { return element->GetTag() == tag; });
+    if (!IsRequiredTag(tag) || present) continue;
+    CTNTemplRecOutField* element = InsertField(std::make_unique<CTNTemplRecOutField>(this));
+    if (element == nullptr) return false;
+    element->SetTag(tag);
+    element->SetDefaultExpression();
+  }
+  return true;
+}
+
+void CTNTemplateRecord::ReparseOutputExpressions() {
+  std::string ignored;
+  for (const auto& element : m_outputFields)
+    element->ParseExpression(ignored);
+}
+
+// ------------------------------------------------------------------------------- validation
+
+namespace {
+
+void AddLine(std::string& text, const std::string& line) {
+  if (!text.empty()) text += '\n';
+  text += line;
+}
+
+}  // namespace
+
+std::int32_t CTNTemplateRecord::Validate() {
+  std::string error;
+  bool valid = true;
+  for (const bool passed :
+       {ValidateInputFields(error), ValidateOutputElements(error), ValidateRequiredTags(error),
+        ValidateLineEnd(error), ValidateType(error)}) {
+    valid = valid && passed;
+  }
+  SetValid(valid ? 1 : 0);
+  SetStatusText(std::move(error));
+  return IsValid();
+}
+
+bool CTNTemplateRecord::ValidateInputFields(std::string& error) {
+  bool valid = true;
+  for (const auto& field : m_inputFields) {
+    if (field->Validate() != 0) continue;
+    std::string id;
+    GetFieldID(field.get(), id);
+    error = FormatMessageText(Msg::InputFieldInvalid, id);  // The last one is told.
+    valid = false;
+  }
+  return valid;
+}
+
+bool CTNTemplateRecord::ValidateOutputElements(std::string& error) {
+  bool valid = true;
+  for (const auto& element : m_outputFields) {
+    if (element->Validate() == 0) {
+      std::string id;
+      GetFieldID(element.get(), id);
+      AddLine(error, FormatMessageText(Msg::OutputElementInvalid, id));
+      valid = false;
+    } else if (element->GetTag() != OutputTag::None && !IsAuxiliary() &&
+               !IsRequiredTag(element->GetTag())) {
+      element->SetStatusText(
+          FormatMessageText(Msg::NoteElementNotRequired, element->GetTagText(), GetTypeName()));
+    }
+  }
+  return valid;
+}
+
+bool CTNTemplateRecord::ValidateRequiredTags(std::string& error) const {
+  bool valid = true;
+  for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
+    const auto tag = static_cast<OutputTag>(code);
+    if (!IsRequiredTag(tag)) continue;
+    if (!HasOutputTag(tag)) {
+      // Tags that the type itself requires are told as the type's.
+      AddLine(error,
+              IsTagRequiredByType(m_kind, tag)
+                  ? FormatMessageText(Msg::RecordTypeRequiresTag, GetTypeName(), GetTagName(tag))
+                  : FormatMessageText(Msg::ApertureRequiresTag, m_description, GetTagName(tag)));
+      valid = false;
+    } else if (tag != OutputTag::RefDesignator && CountOutputTag(tag) >= 2) {
+      // A part may have several designators, but one of everything else.
+      AddLine(error, FormatMessageText(Msg::OnlyOneRequiredTag, GetTagName(tag)));
+      valid = false;
+    }
+  }
+  return valid;
+}
+
+bool CTNTemplateRecord::ValidateLineEnd(std::string& error) const {
+  if (m_inputFields.empty() || m_kind == RecordKind::SubRecord || EndsWithRequiredNewline()) {
+    return true;
+  }
+  AddLine(error, GetMessageText(Msg::NewlineRequiredAtEnd));
+  return false;
+}
+
+bool CTNTemplateRecord::ValidateType(std::string& error) const {
+  if (!IsAllowedRecordType(m_kind)) {
+    AddLine(error, GetMessageText(Msg::InvalidRecordType));
+    return false;
+  }
+  if (m_kind == RecordKind::Aperture && GetApertureShape() == kNoShape) {
+    AddLine(error, GetMessageText(Msg::InvalidApertureDescription));
+    return false;
+  }
+  return true;
+}
+
+bool CTNTemplateRecord::EndsWithRequiredNewline() const {
+  const CircleGuard guard(m_visiting);
+  if (guard.IsCircle()) return false;
+  for (auto at = m_inputFields.rbegin(); at != m_inputFields.rend(); ++at) {
+    const CTNTemplRecInField& field = **at;
+    const bool required = field.IsRequired();
+    switch (field.GetType()) {
+      case FieldKind::Newline:
+        if (required) return true;
+        break;
+      case FieldKind::SubRecord:
+        if (field.GetSubRecord() == nullptr) return false;
+        if (required && field.GetSubRecord()->EndsWithRequiredNewline()) return true;
+        break;
+      default:
+        return false;
+    }
+  }
+  return false;
+}
+
+void CTNTemplateRecord::ResolveAfterLoad() {
+  for (const auto& field : m_inputFields) {
+    if (field->GetType() != FieldKind::SubRecord) continue;
+    if (CTNTemplateRecord* named = field->ResolveSubRecord()) named->Validate();
+  }
+  Validate();
+}
+
+bool CTNTemplateRecord::IsAttributeName(std::string_view name) {
+  return EqualsNoCase(name, GetMessageText(Msg::RecordDescriptionAttribute)) ||
+         EqualsNoCase(name, GetMessageText(Msg::RecordTypeAttribute));
+}
+
+bool CTNTemplateRecord::GetAttribute(std::string_view name, std::string& text) const {
+  if (!IsAttributeName(name)) return false;
+  const bool type = EqualsNoCase(name, GetMessageText(Msg::RecordTypeAttribute));
+  text = type ? std::string(GetTypeName()) : m_description;
+  return true;
+}
+
+bool CTNTemplateRecord::BuildEntityText(std::string& text, const CTNParsedFileBlock& block,
+                                        Tags tags) const {
+  if (block.GetMatchedRecord() != this) return false;
+  const bool wrapped = !IsAuxiliary() && tags == Tags::On;
+  if (wrapped) text.append("<ENTITY>").append(GetTypeName());
+  for (const auto& element : m_outputFields)
+    element->BuildValueText(text, block, tags);
+  if (wrapped) text += "</ENTITY>";
+  return true;
+}
+
+// ------------------------------------------------------------------------------- persistence
+
+void CTNTemplateRecord::RegisterBindings(XmlBindingTable& bindings) {
+  m_loadedType = GetTypeName();
+  bindings.Add("TYPE", &m_loadedType);
+  bindings.Add("DESC", &m_description);
+}
+
+int CTNTemplateRecord::OnBeginNode(XmlNode node, bool& handled) {
+  handled = false;
+  const std::string name = node.Name();
+  const auto read = [this, &node](auto field, auto& fields, Msg failure) {
+    const int status = field->Walk(node);
+    if (status < 0) {
+      if (m_template != nullptr) {
+        m_template->ReportError(FormatMessageText(failure, m_description), ErrorShown::Later);
+      }
+      return status;
+    }
+    field->FixUpAfterLoad();
+    fields.push_back(std::move(field));
+    return kXmlOk;
+  };
+  if (name == "INPUT_FIELD") {
+    handled = true;
+    return read(std::make_unique<CTNTemplRecInField>(this), m_inputFields,
+                Msg::ErrorLoadingInputField);
+  }
+  if (name == "OUTPUT_FIELD") {
+    handled = true;
+    return read(std::make_unique<CTNTemplRecOutField>(this), m_outputFields,
+                Msg::ErrorLoadingOutputField);
+  }
+  return kXmlOk;
+}
+
+void CTNTemplateRecord::FixUpAfterLoad() {
+  SetTypeByName(m_loadedType);
+  m_loadedType.clear();
+}
+
+int CTNTemplateRecord::Serialize(XmlNode parent) {
+  ClearDocument();
+  XmlNode node = WriteNode({XmlNodeKind::BeginElement, "TEMPLATE_RECORD"}, parent);
+  node = WriteNode({XmlNodeKind::Attribute, "TYPE", std::string(GetTypeName())}, node);
+  node = WriteNode({XmlNodeKind::BeginElement, "DESC"}, node);
+  node = WriteNode({XmlNodeKind::Text, {}, m_description}, node);
+  node = WriteNode({XmlNodeKind::EndElement}, node);
+  if (WriteStatus() != kXmlOk) return WriteStatus();
+  if (const int status = SaveFields(node); status != kXmlOk) return status;
+  node = WriteNode({XmlNodeKind::EndElement}, node);
+  WriteNode({XmlNodeKind::Done}, node);
+  return WriteStatus();
+}
+
+int CTNTemplateRecord::SaveFields(XmlNode node) {
+  int last = kXmlOk;
+  const auto save = [this, &node, &last](auto& fields, Msg failure) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      last = fields[i]->Serialize(node);
+      if (last == kXmlOk) continue;
+      if (m_template != nullptr) {
+        m_template->ReportError(FormatNumberedMessage(failure, {i, m_description}),
+                                ErrorShown::Later);
+      }
+      return;
+    }
+  };
+  save(m_inputFields, Msg::ErrorSavingInputField);
+  const int inputStatus = last;
+  save(m_outputFields, Msg::ErrorSavingOutputField);
+  // A file without the field that failed would lose it, so the first failure decides.
+  return inputStatus != kXmlOk ? inputStatus : last;
+}
+
+}  // namespace bomparser

@@ -1,0 +1,289 @@
+#include "template/OutputProgram.h"
+
+#include "input/CTNParsedFileBlock.h"
+#include "template/CTNTemplateRecord.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <memory>
+
+namespace bomparser {
+
+namespace {
+
+constexpr std::uint32_t kNone = 0xFFFFFFFF;
+constexpr std::uint32_t kNothing = 0xFFFFFFFF;  // The length of an absent field.
+/// Text is handed on in pieces of this size: large enough for the system, small enough for the
+/// processor's cache.
+constexpr std::size_t kPiece = std::size_t{256} << 10;
+/// Short texts are copied in one go of this many bytes; what is too much is overwritten next.
+constexpr std::size_t kShort = 32;
+static_assert(kShort <= CTNInputText::kSlack);
+
+}  // namespace
+
+// ------------------------------------------------------------------------------- compiling
+
+class OutputProgram::Compiler {
+ public:
+  Compiler(OutputProgram& program, const CTNParsedLayout& layout)
+      : m_program(program), m_layout(layout), m_noBlock(nullptr) {}
+
+  std::uint32_t Compile(std::uint32_t record, Tags tags) {
+    const auto key = std::make_pair(record, tags);
+    const auto known = m_known.find(key);
+    if (known != m_known.end()) return known->second;
+    const auto index = static_cast<std::uint32_t>(m_program.m_programs.size());
+    m_known.emplace(key, index);
+    m_program.m_programs.push_back({record, {}});
+    std::vector<Op> ops = CompileOps(record, tags);
+    m_program.m_programs[index].ops = std::move(ops);
+    return index;
+  }
+
+ private:
+  const CTNTemplateRecord& RecordAt(std::uint32_t record) const {
+    return static_cast<const CTNTemplateRecord&>(*m_layout.Records()[record].record);
+  }
+
+  std::vector<Op> CompileOps(std::uint32_t index, Tags tags) {
+    const std::uint32_t outerIndex = std::exchange(m_record, index);
+    std::vector<Op> outer = std::exchange(m_ops, {});
+    const CTNTemplateRecord& record = RecordAt(index);
+    const bool wrapped = !record.IsAuxiliary() && tags == Tags::On;
+    if (wrapped) AddText("<ENTITY>" + std::string(record.GetTypeName()));
+    for (const auto& element : record.GetOutputFields())
+      AddElement(*element, tags);
+    if (wrapped) AddText("</ENTITY>");
+    m_record = outerIndex;
+    return std::exchange(m_ops, std::move(outer));
+  }
+
+  void AddText(std::string_view text) {
+    if (text.empty()) return;
+    std::string& texts = m_program.m_texts;
+    const auto offset = static_cast<std::uint32_t>(texts.size());
+    texts += text;
+    const auto size = static_cast<std::uint32_t>(text.size());
+    Op* const last = m_ops.empty() ? nullptr : &m_ops.back();
+    if (last != nullptr && last->kind == OpKind::Text && last->index + last->size == offset) {
+      last->size += size;
+    } else {
+      m_ops.push_back({OpKind::Text, FieldKind::Undefined, offset, size});
+    }
+  }
+
+  void AddElement(const CTNTemplRecOutField& element, Tags tags) {
+    if (tags == Tags::Off) {
+      m_ops.push_back({OpKind::Mark, FieldKind::Undefined, 0, 0});
+      AddItems(element, Tags::Off);
+      m_ops.push_back({OpKind::Space, FieldKind::Undefined, 0, 0});
+      return;
+    }
+    const bool bare = element.GetTag() == OutputTag::None;
+    const std::string name(element.GetTagText());
+    if (!bare) AddText("<" + name + ">");
+    AddItems(element, bare ? Tags::On : Tags::Off);
+    if (!bare) AddText("</" + name + ">");
+  }
+
+  void AddItems(const CTNTemplRecOutField& element, Tags tags) {
+    // Elements that name each other: the one that is being put together adds nothing to itself.
+    if (std::find(m_open.begin(), m_open.end(), &element) != m_open.end()) return;
+    m_open.push_back(&element);
+    for (const CTNOutFieldValueElement& item : element.GetItems())
+      AddItem(item.GetTarget(), tags);
+    m_open.pop_back();
+  }
+
+  void AddItem(const CTNOutFieldValueElement& item, Tags tags) {
+    const CTNTemplateRecord& own = RecordAt(m_record);
+    if (item.kind == ValueItemKind::InputField && item.inputField->GetParentRecord() == &own &&
+        !own.IsSingleMatch()) {
+      AddField(*item.inputField, tags);
+    } else if (item.kind == ValueItemKind::OutputSymbol &&
+               item.outputElement->GetParentRecord() == &own && !own.IsSingleMatch()) {
+      AddElement(*item.outputElement, Tags::Off);
+    } else {
+      // All others have the same value for every block.
+      std::string constant;
+      item.AppendValue(constant, m_noBlock, tags);
+      AddText(constant);
+    }
+  }
+
+  void AddField(const CTNTemplRecInField& field, Tags tags) {
+    const std::uint32_t index = m_layout.FieldIndexOf(m_record, &field);
+    if (field.GetType() != FieldKind::SubRecord) {
+      m_ops.push_back({OpKind::Field, field.GetType(), index, 0});
+      return;
+    }
+    const std::uint32_t sub = m_layout.Records()[m_record].fields[index].subRecord;
+    if (sub == CTNParsedLayout::kNoRecord) return;
+    std::vector<const CTNTemplRecOutField*> open = std::exchange(m_open, {});
+    m_ops.push_back({OpKind::SubRecords, FieldKind::SubRecord, index, Compile(sub, tags)});
+    m_open = std::move(open);
+  }
+
+  OutputProgram& m_program;
+  const CTNParsedLayout& m_layout;
+  CTNParsedFileBlock m_noBlock;
+  std::map<std::pair<std::uint32_t, Tags>, std::uint32_t> m_known;
+  std::uint32_t m_record = 0;  // The record being compiled, and
+  std::vector<Op> m_ops;       // its program so far.
+  std::vector<const CTNTemplRecOutField*> m_open;
+};
+
+OutputProgram::OutputProgram(const CTNParsedResult& result)
+    : m_result(result), m_entities(result.GetLayout().Records().size(), kNone) {
+  const CTNParsedLayout& layout = result.GetLayout();
+  Compiler compiler(*this, layout);
+  for (std::uint32_t i = 0; i < m_entities.size(); ++i) {
+    if (IsEntityKind(layout.Records()[i].kind)) m_entities[i] = compiler.Compile(i, Tags::On);
+  }
+  m_texts.append(kShort, ' ');
+}
+
+// ------------------------------------------------------------------------------- running
+
+/// Gathers text and hands it on in pieces.
+class OutputProgram::Output {
+ public:
+  explicit Output(const Sink& sink) : m_sink(sink), m_piece(new char[kPiece + kShort]) {}
+
+  /// Adds text behind which at least kShort bytes can be read.
+  void AddPadded(const char* text, std::size_t size) {
+    if (size > kShort || kPiece - m_size < size) {
+      Add({text, size});
+      return;
+    }
+    std::memcpy(m_piece.get() + m_size, text, kShort);
+    m_size += size;
+  }
+
+  void Add(std::string_view text) {
+    if (kPiece - m_size < text.size()) Flush();
+    if (text.size() > kPiece) {
+      HandOn(text);
+      return;
+    }
+    if (!text.empty()) std::memcpy(m_piece.get() + m_size, text.data(), text.size());
+    m_size += text.size();
+  }
+
+  void Mark() { m_marks.push_back(Total()); }
+  void EndValue() {
+    const bool empty = Total() == m_marks.back();
+    m_marks.pop_back();
+    if (!empty && Last() != ' ') Add(" ");
+  }
+
+  bool Flush() {
+    if (m_size > 0) HandOn({m_piece.get(), m_size});
+    m_size = 0;
+    return m_going;
+  }
+  bool IsGoing() const { return m_going; }
+
+ private:
+  std::uint64_t Total() const { return m_handedOn + m_size; }
+  char Last() const { return m_size > 0 ? m_piece[m_size - 1] : m_last; }
+  void HandOn(std::string_view text) {
+    m_going = m_going && m_sink(text);
+    m_handedOn += text.size();
+    m_last = text.back();
+  }
+
+  const Sink& m_sink;
+  std::unique_ptr<char[]> m_piece;
+  std::size_t m_size = 0;
+  std::uint64_t m_handedOn = 0;
+  char m_last = ' ';
+  bool m_going = true;
+  std::vector<std::uint64_t> m_marks;
+};
+
+bool OutputProgram::Write(std::string_view before, std::string_view after, const Sink& sink) {
+  Output out(sink);
+  out.Add(before);
+  for (std::size_t i = 0; i < m_result.GetBlockCount() && out.IsGoing(); ++i) {
+    const ParsedBlockEntry& block = m_result.GetEntry(i);
+    if (block.record == CTNParsedLayout::kNoRecord || m_entities[block.record] == kNone) continue;
+    const std::uint8_t* from = m_result.ElementBytes() + block.elements;
+    std::uint32_t text = block.text;
+    Run(m_entities[block.record], from, text, out);
+  }
+  out.Add(after);
+  return out.Flush();
+}
+
+void OutputProgram::Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text,
+                        Output& out) {
+  const Program& program = m_programs[index];
+  const auto& fields = m_result.GetLayout().Records()[program.record].fields;
+  const std::size_t base = m_slots.size();
+  m_slots.resize(base + fields.size());
+  Slot* slot = m_slots.data() + base;
+  for (const ParsedFieldLayout& field : fields) {
+    slot->text = text;
+    if (field.kind == FieldKind::SubRecord) {
+      slot->elements = static_cast<std::uint32_t>(from - m_result.ElementBytes());
+      while (*from++ == element_code::kInstance) {
+        m_result.SkipElements(field.subRecord, from, text);
+      }
+    } else {
+      slot->length = element_code::TakeLength(from).value_or(kNothing);
+      if (slot->length != kNothing) text += slot->length;
+    }
+    ++slot;
+  }
+  const char* const texts = m_texts.data();
+  for (const Op& op : program.ops) {
+    switch (op.kind) {
+      case OpKind::Text:
+        out.AddPadded(texts + op.index, op.size);
+        break;
+      case OpKind::Field:
+        WriteField(m_slots[base + op.index], op.field, out);
+        break;
+      case OpKind::SubRecords:
+        RunInstances(op.size, m_slots[base + op.index], out);
+        break;
+      case OpKind::Mark:
+        out.Mark();
+        break;
+      case OpKind::Space:
+        out.EndValue();
+        break;
+    }
+  }
+  m_slots.resize(base);
+}
+
+void OutputProgram::RunInstances(std::uint32_t program, const Slot& slot, Output& out) {
+  const std::uint8_t* from = m_result.ElementBytes() + slot.elements;
+  std::uint32_t text = slot.text;
+  while (*from++ == element_code::kInstance)
+    Run(program, from, text, out);
+}
+
+void OutputProgram::WriteField(const Slot& slot, FieldKind kind, Output& out) const {
+  if (slot.length == kNothing || kind == FieldKind::Newline) return;
+  const char* const text = m_result.GetText()->Data() + slot.text;
+  const bool lines =
+      kind == FieldKind::ScanToNext && std::memchr(text, '\n', slot.length) != nullptr;
+  if (!lines) {
+    out.AddPadded(text, slot.length);
+    return;
+  }
+  // A scan over line ends gives its lines joined, as its elements are.
+  std::string_view rest(text, slot.length);
+  for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
+    out.Add(rest.substr(0, end));
+    rest.remove_prefix(end + 1);
+  }
+  if (rest.size() >= 2) out.Add(rest);
+}
+
+}  // namespace bomparser

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "input/CTNParsedResult.h"
+#include "template/MatchProgram.h"
+#include "template/NestingLimits.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace bomparser {
+
+/// Where a record was tried last inside another record, for the values that its fields then show.
+struct NestedAttempt {
+  std::uint32_t block = 0;     // Text position at which the block under way starts.
+  std::uint32_t parent = 0;    // The record of the list that was being tried there.
+  std::uint32_t position = 0;  // Where the record was tried.
+  std::uint64_t sequence = 0;  // Counts all such attempts; 0 for never.
+};
+
+/// Matches records of a program against a text and writes the elements of what matched behind a
+/// result's element bytes. The outcome is that of CTNTemplateRecord::Match in every case.
+class ProgramMatcher {
+ public:
+  ProgramMatcher(const MatchProgram& program, CTNParsedResult& result);
+
+  /// Matches a record at a position of the text. On success the result is the position behind it,
+  /// and its elements are pending; on failure the result is kFailed and nothing is.
+  std::uint32_t Match(std::uint32_t record, std::uint32_t position);
+  static constexpr std::uint32_t kFailed = 0xFFFFFFFF;
+  /// Makes the pending elements part of the result's element bytes.
+  void TakePending();
+
+  const std::vector<NestedAttempt>& GetNestedAttempts() const { return m_attempts; }
+
+ private:
+  /// What is known of a scan: behind `from` nothing matches before `clear`, where it was found that
+  /// the next field does match (`found`) or up to where the text was searched.
+  struct ScanMemory {
+    std::uint32_t from = 1;
+    std::uint32_t clear = 0;
+    bool found = false;
+  };
+
+  const char* MatchRecord(std::uint32_t record, const char* at);
+  const char* MatchField(const FieldOp& op, const char* at) const;
+  const char* MatchString(const FieldOp& op, const char* at) const;
+  const char* MatchNumber(const FieldOp& op, const char* at) const;
+  const char* CheckValues(const FieldOp& op, const char* at, const char* end) const;
+  const char* MatchScan(const FieldOp& scan, const char* at, bool remember);
+  const char* Search(const FieldOp& scan, const char* from, const char* last);
+  void NoteFailedTrial(const FieldOp& next, const char* last);
+  bool MatchesHere(const FieldOp& next, const char* at);
+  const char* MatchNested(const FieldOp& op, const char* at);
+  const char* MatchInstances(const FieldOp& op, const char* at);
+  std::uint8_t* Room(std::size_t count);
+  std::uint32_t PositionOf(const char* at) const {
+    return static_cast<std::uint32_t>(at - m_begin);
+  }
+
+  const MatchProgram& m_program;
+  CTNParsedResult& m_result;
+  const char* m_begin;
+  const char* m_end;
+  std::size_t m_pending = 0;   // Element bytes written and not taken.
+  std::uint32_t m_block = 0;   // Where the block under way starts,
+  std::uint32_t m_parent = 0;  // and the record that is tried there.
+  NestingState m_nesting;
+  std::vector<ScanMemory> m_scans;
+  std::vector<std::uint32_t> m_failedAt;  // By record: where it last failed inside another one.
+  std::vector<NestedAttempt> m_attempts;
+  std::uint64_t m_sequence = 0;
+};
+
+}  // namespace bomparser
