@@ -1,0 +1,186 @@
+#include "entry/CTNFileParserEngine.h"
+
+#include "entry/EntityListWriter.h"
+#include "input/MessageTexts.h"
+#include "tnbase/AtomicFile.h"
+
+#include <new>
+
+namespace bomparser {
+
+CTNFileParserEngine::CTNFileParserEngine(CTNFrontEnd* frontEnd) : m_frontEnd(frontEnd) {
+  try {
+    m_template = std::make_unique<CTNParserTemplate>(this);
+    m_inputFile = std::make_unique<CTNParserInFile>(this);
+    m_valid = true;
+  } catch (const std::bad_alloc&) {
+    m_valid = false;
+  }
+}
+
+CTNFileParserEngine::~CTNFileParserEngine() {
+  m_valid = false;
+  m_template = nullptr;
+  m_inputFile = nullptr;
+}
+
+bool CTNFileParserEngine::AreResultsStale() const { return m_valid && m_inputFile->IsStale(); }
+
+void CTNFileParserEngine::OnTemplateModified() {
+  if (m_valid) m_inputFile->SetStale(true);
+}
+
+bool CTNFileParserEngine::ReportError(std::string_view text, ErrorShown shown) {
+  if (!m_template) return false;
+  const bool added = m_template->GetErrorLog().AddMessage(text);
+  if (shown == ErrorShown::AtOnce && m_frontEnd != nullptr) m_frontEnd->ShowError(text);
+  return added;
+}
+
+// ------------------------------------------------------------------------------- input file
+
+bool CTNFileParserEngine::OpenInputFile(const std::string& path, std::string& error) {
+  if (!m_valid) return false;
+  if (path.empty()) {
+    error = GetMessageText(Msg::NoInputFileSpecified);
+    ReportError(error, ErrorShown::AtOnce);
+    return false;
+  }
+  if (m_inputFile->IsOpen() && !CloseInputFile()) return false;
+  return m_inputFile->Open(path, error);
+}
+
+bool CTNFileParserEngine::CloseInputFile() {
+  if (!m_valid) return false;
+  m_inputFile->Close();
+  return !m_inputFile->IsOpen();
+}
+
+// ------------------------------------------------------------------------------- template
+
+void CTNFileParserEngine::NewTemplate() {
+  if (!m_valid) return;
+  m_inputFile->SetStale(true);
+  m_template->Init();
+}
+
+bool CTNFileParserEngine::LoadTemplate(const std::string& path) {
+  if (!m_valid) return false;
+  NewTemplate();
+  const int status = m_template->LoadFromFile(path);
+  if (status != kXmlOk) {
+    ReportLoadFailure(path, status);
+    return false;
+  }
+  m_template->SetFilePath(path);
+  m_template->ClearModified();
+  return true;
+}
+
+void CTNFileParserEngine::ReportLoadFailure(const std::string& path, int status) {
+  if (status == kXmlGeneralFailure) {
+    ReportError(FormatMessageText(Msg::NotATemplate, path), ErrorShown::Later);
+  } else if (status == kXmlNotWellFormed) {
+    const XmlParseFailure& failure = m_template->LastParseFailure();
+    ReportError(FormatMessageText(Msg::TemplateLoadErrorAtLine, failure.line, path),
+                ErrorShown::Later);
+    const std::size_t lineEnd = failure.lineText.find_last_not_of(" \t\r\n");
+    if (lineEnd != std::string::npos) {
+      ReportError(
+          FormatMessageText(Msg::TemplateLoadLineText, failure.lineText.substr(0, lineEnd + 1)),
+          ErrorShown::Later);
+    }
+    ReportError(failure.reason, ErrorShown::Later);
+  } else {
+    ReportError(XmlStatusText(status), ErrorShown::AtOnce);
+  }
+}
+
+bool CTNFileParserEngine::SaveTemplate(const std::string& path) {
+  if (!m_valid) return false;
+  std::string text;
+  std::string error;
+  AtomicFile file;
+  bool saved = m_template->GetXml(text) == kXmlOk;
+  if (!saved) {
+    error = m_template->LastError();
+  } else {
+    saved = file.Open(path, AtomicFile::Durability::FlushedToDisk, error) &&
+            file.Write(text, error) && file.Commit(error);
+  }
+  if (!saved) {
+    ReportError(error, ErrorShown::AtOnce);
+    return false;
+  }
+  m_template->SetFilePath(path);
+  m_template->ClearModified();
+  return true;
+}
+
+bool CTNFileParserEngine::IsTemplateModified() const { return m_valid && m_template->IsModified(); }
+
+// ------------------------------------------------------------------------------- applying
+
+bool CTNFileParserEngine::Apply(std::string& error, bool& cancelled, ShowProgress show,
+                                ResultUse use) {
+  return m_inputFile->ApplyTemplate(m_template.get(), error, cancelled, show, m_frontEnd, use);
+}
+
+bool CTNFileParserEngine::ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show) {
+  if (!m_valid) return false;
+  if (!Apply(error, cancelled, show, ResultUse::Kept)) return false;
+  if (m_sideCopy == SideCopy::Yes) WriteSideCopy();
+  return true;
+}
+
+void CTNFileParserEngine::WriteSideCopy() {
+  // Whether it could be written is of no consequence: the page that shows it says so.
+  std::string path;
+  std::string error;
+  AtomicFile file;
+  const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
+  if (GetSideCopyPath(path, error) && file.Open(path, AtomicFile::Durability::Renamed, error) &&
+      WriteEntityList(write)) {
+    file.Commit(error);
+  }
+}
+
+bool CTNFileParserEngine::GetSideCopyPath(std::string& path, std::string& error) {
+  if (!m_valid || !m_sideFolder.GetPath(path, error)) return false;
+  path += '/' + m_inputFile->GetTitleNoExtension() + GetMessageText(Msg::XmlExtensionWithDot);
+  return true;
+}
+
+void CTNFileParserEngine::OnTemplateChanged(ChangeKind change, std::uint32_t editKinds) {
+  if (!m_valid) return;
+  m_template->SetModified(change);
+  if (change == ChangeKind::None || (m_autoFlags & editKinds) == 0) return;
+  if (!m_inputFile->IsApplied() || !m_inputFile->IsStale()) return;
+  std::string ignored;
+  bool cancelled = false;
+  ApplyTemplate(ignored, cancelled, ShowProgress::No);
+}
+
+ApplicationStats CTNFileParserEngine::GetStats() const {
+  return m_valid ? m_inputFile->GetBlocks().GetStats() : ApplicationStats();
+}
+
+bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_view)>& sink) const {
+  if (!m_valid) return false;
+  return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale()).Write(sink);
+}
+
+bool CTNFileParserEngine::OutputEntityList(const std::string& path, std::string& error) {
+  AtomicFile file;
+  if (!m_valid || !file.Open(path, AtomicFile::Durability::Renamed, error)) return false;
+  const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
+  if (!WriteEntityList(write) || !file.Commit(error)) {
+    ReportError(error, ErrorShown::Later);
+    return false;
+  }
+  m_inputFile->SetOutputPath(path);
+  m_inputFile->SetOutputDone(true);
+  return true;
+}
+
+}  // namespace bomparser

@@ -1,0 +1,129 @@
+#pragma once
+
+#include "input/CTNParserInFile.h"
+#include "input/roles/CTNFrontEnd.h"
+#include "input/roles/CTNParserContext.h"
+#include "template/CTNParserTemplate.h"
+#include "tnbase/PrivateFolder.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace bomparser {
+
+/// What an edit of the template was, one bit a kind. The settings say which kinds re-apply the
+/// template at once.
+enum EditKind : std::uint32_t {
+  kRecordsAdded = 1,
+  kRecordsDeleted = 2,
+  kRecordsModified = 4,
+  kInputFieldsAdded = 8,
+  kInputFieldsDeleted = 16,
+  kInputFieldsModified = 32,
+  kOutputElementsAdded = 64,
+  kOutputElementsDeleted = 128,
+  kOutputElementsModified = 256,
+  kParametersChanged = 512,
+  kAllEdits = 1023,
+};
+
+/// Whether every application also writes the copy of the entity list that the results page shows.
+enum class SideCopy { No, Yes };
+
+/// The working data of one run: the current template, the current input file with its results, and
+/// the settings that steer them. It shows nothing itself: failures are error texts to the caller
+/// or entries of the template's error log; the front end, if there is one, is told of those that
+/// are to be shown at once.
+class CTNFileParserEngine final : public CTNParserContext {
+ public:
+  static constexpr int kDefaultTabStop = 8;
+
+  explicit CTNFileParserEngine(CTNFrontEnd* frontEnd = nullptr);
+  virtual ~CTNFileParserEngine();
+  CTNFileParserEngine(const CTNFileParserEngine&) = delete;
+  CTNFileParserEngine& operator=(const CTNFileParserEngine&) = delete;
+
+  /// True when template and input file could be made. Otherwise both are absent (null below).
+  bool IsValid() const { return m_valid; }
+  CTNParserTemplate* GetTemplate() const { return m_valid ? m_template.get() : nullptr; }
+  CTNParserInFile* GetInputFile() const { return m_valid ? m_inputFile.get() : nullptr; }
+
+  /// Opens the file for shared reading; one that is open is closed first. False with `error` when
+  /// that fails; an empty path is also reported to the error log.
+  bool OpenInputFile(const std::string& path, std::string& error);
+  /// True when the file is no longer open.
+  bool CloseInputFile();
+  /// Resets the template to an empty, untitled one; results are stale.
+  void NewTemplate();
+  /// Replaces the template by the one in the file. On failure the template is reset and its error
+  /// log holds the reasons.
+  bool LoadTemplate(const std::string& path);
+  /// Writes the template, whole or not at all, and flushed to disk. On failure the reason is in the
+  /// error log.
+  bool SaveTemplate(const std::string& path);
+  bool IsTemplateModified() const;
+
+  /// Applies the template to the input file, and after success writes the side copy, if that is
+  /// on, which never counts as the user's output.
+  bool ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show);
+  /// Tells of an edit. The template is modified unless the change is None; it is applied again at
+  /// once if the automatic application flags ask for it and the results are stale now.
+  void OnTemplateChanged(ChangeKind change, std::uint32_t editKinds);
+  /// Tries every template of the search folder and keeps the best one, applied. True when one was
+  /// found; also then `error` tells of a failure that ended the search.
+  bool FindTemplate(std::string& error, bool& cancelled, ShowProgress show);
+  /// Writes the entity list, whole or not at all, and remembers the path as that of the latest
+  /// output. On failure `error` says why; what fails once the file was begun is also an entry of
+  /// the error log.
+  bool OutputEntityList(const std::string& path, std::string& error);
+  /// Hands the entity list to a sink in pieces.
+  bool WriteEntityList(const std::function<bool(std::string_view)>& sink) const;
+  ApplicationStats GetStats() const;
+
+  /// Where the side copy of the current input file's list is: a private folder of this user and
+  /// process, which goes with the engine. False with `error` when the folder cannot be made.
+  bool GetSideCopyPath(std::string& path, std::string& error);
+
+  void SetSideCopy(SideCopy sideCopy) { m_sideCopy = sideCopy; }
+  const std::string& GetTemplateSearchPath() const { return m_searchPath; }
+  void SetTemplateSearchPath(const std::string& path) { m_searchPath = path; }
+  void SetTabStop(int tabStop) { m_tabStop = tabStop; }
+  const std::string& GetProfileSection() const { return m_profileSection; }
+  void SetProfileSection(const std::string& section) { m_profileSection = section; }
+  std::uint32_t GetAutoApplicationFlags() const { return m_autoFlags; }
+  void SetAutoApplicationFlags(std::uint32_t flags) { m_autoFlags = flags; }
+
+  bool AreResultsStale() const override;
+  int GetTabStop() const override { return m_tabStop; }
+  bool ReportError(std::string_view text, ErrorShown shown) override;
+  void OnTemplateModified() override;
+
+ private:
+  struct Search;
+
+  void ReportLoadFailure(const std::string& path, int status);
+  void WriteSideCopy();
+  bool Apply(std::string& error, bool& cancelled, ShowProgress show, ResultUse use);
+  bool TryTemplate(const std::string& path, Search& search);
+  void TryFolder(const std::vector<std::string>& names, Search& search);
+  void ApplyInFull(const std::string& path);
+  void KeepBest(const Search& search);
+  void GiveUpSearch(const Search& search, const std::string& startPath);
+
+  std::unique_ptr<CTNParserTemplate> m_template;
+  std::unique_ptr<CTNParserInFile> m_inputFile;
+  std::string m_searchPath;
+  int m_tabStop = kDefaultTabStop;
+  std::string m_profileSection;
+  bool m_valid = false;
+  std::uint32_t m_autoFlags = kAllEdits;
+  CTNFrontEnd* m_frontEnd;  // Not owned.
+  SideCopy m_sideCopy = SideCopy::Yes;
+  PrivateFolder m_sideFolder;
+};
+
+}  // namespace bomparser
