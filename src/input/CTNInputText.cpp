@@ -26,9 +26,10 @@ std::shared_ptr<const CTNInputText> CTNInputText::Copy(std::string_view text) {
 
 std::shared_ptr<const CTNInputText> CTNInputText::WithLineFeed(
     const std::shared_ptr<const CTNInputText>& text) {
+  const std::size_t size = std::size_t{text->Size()} + 1;
+  if (size > kMaxSize) throw std::bad_alloc();
   // The slack begins with a line feed already: the text only has to be one longer.
   GrowArray<char> bytes;
-  const std::size_t size = std::size_t{text->Size()} + 1;
   std::memcpy(bytes.MakeRoom(size + kSlack), text->Data(), size);
   bytes.Advance(size);
   return Adopt(std::move(bytes));

@@ -22,7 +22,7 @@ class CTNInputText {
   /// Takes the bytes over; adds the slack. Throws std::bad_alloc when there is no room for it.
   static std::shared_ptr<const CTNInputText> Adopt(GrowArray<char> bytes);
 
-  /// The same text with a line feed behind it.
+  /// The same text with a line feed behind it. Throws std::bad_alloc as Copy does.
   static std::shared_ptr<const CTNInputText> WithLineFeed(
       const std::shared_ptr<const CTNInputText>& text);
 

@@ -155,11 +155,10 @@ std::vector<CTNParsedFileRow> CTNParsedFileBlock::GetRows(std::size_t first,
   return rows;
 }
 
-std::vector<CTNParsedFileBlockSubRecElement> CTNParsedFileBlock::GetSubRecords(
-    const CTNMatchedField& wanted) const {
-  std::vector<CTNParsedFileBlockSubRecElement> found;
+template <class Visit>
+void CTNParsedFileBlock::ForEachInstance(const CTNMatchedField& wanted, Visit visit) const {
   const ParsedBlockPlace place = GetPlace();
-  if (place.record == CTNParsedLayout::kNoRecord) return found;
+  if (place.record == CTNParsedLayout::kNoRecord) return;
   const CTNParsedResult& result = Result();
   const std::uint8_t* from = result.ElementBytes() + place.elements;
   const std::uint8_t* const end = result.ElementBytes() + place.elementsEnd;
@@ -175,18 +174,28 @@ std::vector<CTNParsedFileBlockSubRecElement> CTNParsedFileBlock::GetSubRecords(
                               static_cast<std::uint32_t>(from - result.ElementBytes()), 0};
       result.SkipElements(field.subRecord, from, text);
       nested.elementsEnd = static_cast<std::uint32_t>(from - result.ElementBytes());
-      if (field.field != &wanted) continue;
-      found.emplace_back(std::make_shared<CTNParsedFileBlock>(Nested(nested)));
+      if (field.field == &wanted) visit(Nested(nested));
     }
   }
+}
+
+std::vector<CTNParsedFileBlockSubRecElement> CTNParsedFileBlock::GetSubRecords(
+    const CTNMatchedField& wanted) const {
+  std::vector<CTNParsedFileBlockSubRecElement> found;
+  ForEachInstance(wanted, [&found](const CTNParsedFileBlock& block) {
+    found.emplace_back(std::make_shared<CTNParsedFileBlock>(block));
+  });
   return found;
 }
 
 void CTNParsedFileBlock::AppendFieldValue(std::string& out, const CTNMatchedField& field,
                                           Tags tags) const {
   if (field.GetFieldKind() == FieldKind::SubRecord) {
-    for (const auto& instance : GetSubRecords(field))
-      instance.GetValue(out, tags);
+    ForEachInstance(field, [&out, tags](const CTNParsedFileBlock& block) {
+      if (const CTNMatchedRecord* record = block.GetMatchedRecord()) {
+        record->BuildEntityText(out, block, tags);
+      }
+    });
     return;
   }
   const ParsedBlockPlace place = GetPlace();

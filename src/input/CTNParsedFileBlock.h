@@ -78,6 +78,9 @@ class CTNParsedFileBlock final : public CTNParserArrayElement {
   CTNParsedFileBlock Nested(const ParsedBlockPlace& place) const {
     return CTNParsedFileBlock(GetContext(), GetResult(), place);
   }
+  /// Calls `visit` with the block of every instance that the SUBRECORD field matched, in order.
+  template <class Visit>
+  void ForEachInstance(const CTNMatchedField& field, Visit visit) const;
   bool IsStale() const { return GetContext() != nullptr && GetContext()->AreResultsStale(); }
   int TabStop() const { return GetContext() != nullptr ? GetContext()->GetTabStop() : 8; }
   bool IsBlankLine() const;

@@ -27,7 +27,7 @@ class CTNParsedFileRow {
   std::vector<CTNParsedFileBlockElement> m_elements;
 };
 
-/// Expands the tabs of a shown text from column `from` on. A tab at column p gives blanks up to
+/// Expands the tabs of a shown text. A tab at column p gives blanks up to
 /// the next multiple of `tabStop` that is not 0 and not below p: a tab that stands exactly on such
 /// a column disappears, and all tabs before the first stop reach it. A tab stop below 1 leaves
 /// tabs as they are.

@@ -101,6 +101,7 @@ std::ptrdiff_t CTNParsedResult::LastBlockOf(std::uint32_t record) const {
 
 std::uint32_t CTNParsedResult::CountRows(std::uint32_t text, std::uint32_t textEnd,
                                          std::uint32_t elements, std::uint32_t record) const {
+  if (m_elements.Size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
   if (record == CTNParsedLayout::kNoRecord) return 0;
   const auto& fields = m_layout->Records()[record].fields;
   const char* bytes = m_text->Data();
@@ -148,8 +149,12 @@ void CTNParsedResult::CountBlock(std::uint32_t elements, std::uint32_t record, s
 
 void CTNParsedResult::AppendBlock(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
                                   std::uint32_t record, std::uint32_t rows) {
-  if (m_elements.Size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-  m_blocks.Push({text, elements, record});
+  try {
+    m_blocks.Push({text, elements, record});
+  } catch (const std::bad_alloc&) {
+    CutElements(elements);
+    throw;
+  }
   m_textEnd = textEnd;
   m_countByRecord.clear();
   AddToStats(record, rows);

@@ -104,10 +104,11 @@ class CTNParsedResult {
   /// Drops the elements behind `end`: what a record that failed has left.
   void CutElements(std::uint32_t end) { m_elements.Cut(end); }
   /// The rows of the block over [text, textEnd) whose elements run from `elements` to the end.
+  /// Throws std::bad_alloc when there are more elements than the numbers can tell.
   std::uint32_t CountRows(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
                           std::uint32_t record) const;
-  /// Appends that block with the rows counted for it. Throws std::bad_alloc when memory, or the
-  /// range of the numbers, runs out.
+  /// Appends that block with the rows counted for it. Throws std::bad_alloc when memory runs out;
+  /// the block's elements are dropped then.
   void AppendBlock(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
                    std::uint32_t record, std::uint32_t rows);
   /// Counts that block without keeping it: its elements are dropped.

@@ -2,8 +2,9 @@
 
 #include "input/MessageTexts.h"
 
-#include <cstring>
+#include <algorithm>
 #include <new>
+#include <optional>
 
 namespace bomparser {
 
@@ -19,14 +20,19 @@ std::uint32_t PiecesOfLine(std::uint32_t length) {
   return (length + kPieceLength - 1) / kPieceLength;
 }
 
+/// The position behind the line that starts at `start`.
+std::size_t EndOfLine(std::string_view text, std::size_t start) {
+  const std::size_t lineFeed = text.find('\n', start);
+  return lineFeed == std::string_view::npos ? text.size() : lineFeed + 1;
+}
+
 /// Calls `visit(end, pieces)` for every line with the position behind it and the number of pieces
 /// up to there; stops when it answers false.
 template <class Visit>
 void ForEachLine(std::string_view text, Visit visit) {
   std::uint32_t pieces = 0;
   for (std::size_t start = 0; start < text.size();) {
-    const std::size_t lineFeed = text.find('\n', start);
-    const std::size_t end = lineFeed == std::string_view::npos ? text.size() : lineFeed + 1;
+    const std::size_t end = EndOfLine(text, start);
     pieces += PiecesOfLine(static_cast<std::uint32_t>(end - start));
     if (!visit(static_cast<std::uint32_t>(end), pieces)) return;
     start = end;
@@ -73,15 +79,23 @@ std::uint32_t EndOfLines(std::string_view text, std::uint32_t wanted) {
 
 }  // namespace
 
-/// What one application works with, and what a cancelled one brings back.
+/// What one application works with.
 struct CTNParserInFile::Application {
   CTNTemplateToApply& toApply;
   std::string& error;
   bool& cancelled;
   ResultUse use;
-  CTNProgress* progress;
-  CTNStringCharBuffIter oldText;
-  CTNParsedBlockPtrArray oldBlocks;
+  CTNProgress* progress = nullptr;
+  bool begun = false;  // The template has begun, so it is to be ended.
+};
+
+/// What a cancelled application brings back.
+struct CTNParserInFile::Before {
+  bool applied;
+  bool stale;
+  std::uint32_t lengthRead;
+  CTNStringCharBuffIter text;
+  CTNParsedBlockPtrArray blocks;
 };
 
 bool CTNParserInFile::Open(const std::string& path, std::string& error) {
@@ -95,26 +109,37 @@ bool CTNParserInFile::Open(const std::string& path, std::string& error) {
 bool CTNParserInFile::ReadText(std::int32_t ignoreAfter, std::string& error) {
   std::shared_ptr<const CTNInputText> text = ReadAll(error);
   if (!text) return false;
-  std::string_view view = text->View();
+  const std::string_view view = text->View();
   const bool open = !view.empty() && view.back() != '\n';
   const std::uint32_t pieces = open || ignoreAfter != 0 ? PiecesOf(view) : 0;
   // A multiple of kPiecesGathered has nothing gathered behind the last string: no line feed is
   // added then, and none has to be.
   if (open && pieces % kPiecesGathered != 0) {
-    text = CTNInputText::WithLineFeed(text);
-    view = text->View();
+    if (text->Size() == CTNInputText::kMaxSize) {
+      error = TooLongText();
+      return false;
+    }
+    m_text.SetText(CTNInputText::WithLineFeed(text));
+  } else {
+    m_text.SetText(text);
   }
-  m_text.SetText(text);
-  if (ignoreAfter > 0) m_text.SetEnd(EndOfPieces(view, static_cast<std::uint32_t>(ignoreAfter)));
+  m_lengthRead = text->Size();
+  const auto translated = static_cast<std::uint32_t>(std::max(ignoreAfter, 0));
+  // The limit stands behind what was read: in front of the line feed that was added to it.
+  if (translated > 0 && translated <= pieces) m_text.SetEnd(EndOfPieces(view, translated));
   if (ignoreAfter < 0) {
     const std::int64_t kept = std::int64_t{pieces} + ignoreAfter;
     // Lines are walked where pieces were counted: a long line counts as more than one.
-    if (kept > 0) m_text.SetEnd(EndOfLines(view, static_cast<std::uint32_t>(kept)));
+    if (kept > 0) {
+      m_text.SetEnd(EndOfLines(m_text.GetText()->View(), static_cast<std::uint32_t>(kept)));
+    }
   }
   return true;
 }
 
-std::uint32_t CTNParserInFile::CountPieces() const { return PiecesOf(m_text.GetText()->View()); }
+std::uint32_t CTNParserInFile::CountPieces() const {
+  return PiecesOf(m_text.GetText()->View().substr(0, m_lengthRead));
+}
 
 std::unique_ptr<CTNProgress> CTNParserInFile::ShowWindow(CTNFrontEnd* frontEnd) const {
   if (frontEnd == nullptr) return nullptr;
@@ -142,37 +167,50 @@ bool CTNParserInFile::ApplyTemplate(CTNTemplateToApply* toApply, std::string& er
     error = GetMessageText(Msg::NoTemplateSupplied);
     return false;
   }
-  const bool oldApplied = m_applied;
-  const bool oldStale = m_stale;
-  Application run{*toApply, error, cancelled, use, nullptr, m_text, m_blocks};
-  m_applied = false;
-  std::unique_ptr<CTNProgress> progress;
-  bool done = false;
   if (!IsOpen() || GetFilePath().empty()) {
     error = GetMessageText(Msg::InputFileNotOpened);
-  } else {
+    m_applied = false;
+    m_stale = true;
+    return false;
+  }
+  Application run{*toApply, error, cancelled, use};
+  bool done = false;
+  try {
+    std::unique_ptr<CTNProgress> progress;
     if (show == ShowProgress::Yes) progress = ShowWindow(frontEnd);
     run.progress = progress.get();
-    try {
-      done = Scan(run);
-    } catch (const std::bad_alloc&) {
-      error = GetMessageText(Msg::NoMemoryForBlock);
-    }
-    m_blocks.SetProgress(nullptr);
-  }
-  if (run.progress != nullptr && run.progress->IsCancelled()) {
-    error = GetMessageText(Msg::OperationCancelled);
-    cancelled = true;
-    m_text = run.oldText;
-    m_blocks = run.oldBlocks;
-    m_applied = oldApplied;
-    m_stale = oldStale;
-    return false;
+    if (ScanOrBringBack(run, done)) return false;
+    if (run.begun) toApply->EndApplication(m_blocks);
+  } catch (const std::bad_alloc&) {
+    error = GetMessageText(Msg::NoMemoryForBlock);
+    done = false;
   }
   m_applied = done;
   m_stale = !done;
-  toApply->EndApplication(m_blocks);
   return done;
+}
+
+/// Scans; true when the user has cancelled, and then everything is as it was.
+bool CTNParserInFile::ScanOrBringBack(Application& run, bool& done) {
+  // Nobody can cancel without a progress: then the old results are not held any longer.
+  std::optional<Before> before;
+  if (run.progress != nullptr) before = {m_applied, m_stale, m_lengthRead, m_text, m_blocks};
+  m_applied = false;
+  try {
+    done = Scan(run);
+  } catch (const std::bad_alloc&) {
+    run.error = GetMessageText(Msg::NoMemoryForBlock);
+  }
+  m_blocks.SetProgress(nullptr);
+  if (!before || !run.progress->IsCancelled()) return false;
+  run.error = GetMessageText(Msg::OperationCancelled);
+  run.cancelled = true;
+  m_applied = before->applied;
+  m_stale = before->stale;
+  m_lengthRead = before->lengthRead;
+  m_text = before->text;
+  m_blocks = before->blocks;
+  return true;
 }
 
 bool CTNParserInFile::Scan(Application& run) {
@@ -187,6 +225,7 @@ bool CTNParserInFile::Scan(Application& run) {
     DescribeWork(run.toApply, *run.progress);
   }
   run.toApply.BeginApplication(m_text.GetText(), m_blocks, run.use);
+  run.begun = true;
   m_blocks.SetProgress(run.progress);
   if (limits.ignoreBefore > 1) {
     const auto leading = static_cast<std::uint32_t>(limits.ignoreBefore - 1);
@@ -202,11 +241,12 @@ bool CTNParserInFile::Scan(Application& run) {
 /// Sets up to `count` lines from the cursor on aside. False when the application ends here:
 /// because the text has no more lines, or because of a cancel.
 bool CTNParserInFile::TakeIgnoredLines(Application& run, std::uint32_t count) {
-  std::string line;
+  const std::string_view text = m_text.GetText()->View();
   for (; count > 0; --count) {
     const std::uint32_t start = m_text.GetPosition();
-    if (!m_text.ReadLine(line)) return false;
-    const auto end = start + static_cast<std::uint32_t>(line.size());
+    if (start >= text.size()) return false;
+    const auto end = static_cast<std::uint32_t>(EndOfLine(text, start));
+    m_text.SetPosition(end);
     if (run.toApply.TakeIgnoredLine(start, end, m_blocks) < 0) {
       run.cancelled = true;
       return false;

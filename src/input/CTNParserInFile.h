@@ -58,7 +58,9 @@ class CTNParserInFile final : public CTNTextFile, public CTNParserArrayElement {
 
  private:
   struct Application;
+  struct Before;
 
+  bool ScanOrBringBack(Application& run, bool& done);
   bool Scan(Application& run);
   bool TakeIgnoredLines(Application& run, std::uint32_t count);
   bool TakeTrailingLines(Application& run);
@@ -68,6 +70,7 @@ class CTNParserInFile final : public CTNTextFile, public CTNParserArrayElement {
   bool m_applied = false;
   bool m_outputDone = false;
   bool m_stale = true;
+  std::uint32_t m_lengthRead = 0;  // Of the text without the line feed that was added to it.
   CTNParsedBlockPtrArray m_blocks;
   std::string m_outputPath;
   CTNInFileErrorLog m_errorLog;

@@ -15,12 +15,13 @@ CTNStringCharBuffIter::CTNStringCharBuffIter(std::shared_ptr<const CTNInputText>
 void CTNStringCharBuffIter::SetText(std::shared_ptr<const CTNInputText> text) {
   m_text = std::move(text);
   m_position = 0;
-  m_end = Length();
+  m_end = m_text->Size();
 }
 
 bool CTNStringCharBuffIter::GetNext(char& c) {
-  const std::int32_t at = m_position++;
-  if (at >= Length()) {
+  if (m_position < 0) throw std::invalid_argument("read before the first character");
+  const std::int64_t at = m_position++;
+  if (at >= m_text->Size()) {
     c = static_cast<char>(0xFF);
     return false;
   }
@@ -31,7 +32,7 @@ bool CTNStringCharBuffIter::GetNext(char& c) {
 void CTNStringCharBuffIter::PutBack(const char& c) {
   --m_position;
   if (m_position < 0) throw std::invalid_argument("put back before the first character");
-  if (m_position >= Length() || m_text->Data()[m_position] == c) return;
+  if (m_position >= m_text->Size() || m_text->Data()[m_position] == c) return;
   std::string changed(m_text->View());
   changed[static_cast<std::size_t>(m_position)] = c;
   m_text = CTNInputText::Copy(changed);

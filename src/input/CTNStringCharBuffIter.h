@@ -22,24 +22,21 @@ class CTNStringCharBuffIter final : public CTNParserCharBuffIter {
   bool GetNext(char& c) override;
   void PutBack(const char& c) override;
   std::uint32_t GetPosition() const override { return static_cast<std::uint32_t>(m_position); }
-  void SetPosition(std::uint32_t position) override {
-    m_position = static_cast<std::int32_t>(position);
-  }
+  void SetPosition(std::uint32_t position) override { m_position = position; }
   void OnTextMoved() override {}
-  std::uint32_t GetEnd() const override { return static_cast<std::uint32_t>(m_end); }
+  std::uint32_t GetEnd() const override { return m_end; }
   bool ReadLine(std::string& line) override;
 
   /// Replaces the text; position 0, end limit at its length.
   void SetText(std::shared_ptr<const CTNInputText> text);
-  void SetEnd(std::uint32_t end) { m_end = static_cast<std::int32_t>(end); }
+  void SetEnd(std::uint32_t end) { m_end = end; }
   const std::shared_ptr<const CTNInputText>& GetText() const { return m_text; }
 
  private:
-  std::int32_t Length() const { return static_cast<std::int32_t>(m_text->Size()); }
-
   std::shared_ptr<const CTNInputText> m_text;
-  std::int32_t m_position = 0;
-  std::int32_t m_end = 0;
+  // Wide enough for reads behind the end of the longest text; below 0 after a put back too many.
+  std::int64_t m_position = 0;
+  std::uint32_t m_end = 0;
 };
 
 }  // namespace bomparser

@@ -31,9 +31,11 @@ class CTNTextFile {
   /// While on, the file is not read again: for trying many templates on one text.
   void HoldText(bool on);
 
- private:
+ protected:
+  /// The error of a file that is refused for its length.
   std::string TooLongText() const;
 
+ private:
   InputSource m_source;
   std::string m_path;
   bool m_hold = false;

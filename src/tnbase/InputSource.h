@@ -27,7 +27,8 @@ class InputSource {
   bool CanReadAgain() const;
 
   /// Reads all of it to the end of `bytes`, with room for `slack` more behind. Fails like Open, or
-  /// with `tooLong` as the error when there are more than `limit` bytes. Throws std::bad_alloc.
+  /// with `tooLong` as the error when there are more than `limit` bytes; what can be read once only
+  /// also fails the second time. Throws std::bad_alloc.
   bool ReadAll(GrowArray<char>& bytes, std::uint64_t limit, std::size_t slack,
                const std::string& tooLong, std::string& error);
 
@@ -36,6 +37,7 @@ class InputSource {
   void FollowPath();
 
   int m_handle = -1;
+  bool m_drained = false;  // A pipe or device that was read, be it in part.
   std::string m_path;
 };
 

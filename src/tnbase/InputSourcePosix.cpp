@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace bomparser {
 
@@ -24,6 +25,7 @@ bool InputSource::Fail(int reason, std::string& error) const {
 bool InputSource::Open(const std::string& path, std::string& error) {
   Close();
   m_path = path;
+  m_drained = false;
   m_handle = path == "-" ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (m_handle < 0) return Fail(errno, error);
   struct stat info {};
@@ -67,6 +69,8 @@ void InputSource::FollowPath() {
 bool InputSource::ReadAll(GrowArray<char>& bytes, std::uint64_t limit, std::size_t slack,
                           const std::string& tooLong, std::string& error) {
   const bool again = CanReadAgain();
+  // After a reading that broke off the rest would pass for the whole.
+  if (!again && std::exchange(m_drained, true)) return Fail(ESPIPE, error);
   if (again) FollowPath();
   if (again && GetLength() > limit) {
     error = tooLong;
