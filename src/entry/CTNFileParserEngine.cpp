@@ -167,14 +167,22 @@ ApplicationStats CTNFileParserEngine::GetStats() const {
 
 bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_view)>& sink) const {
   if (!m_valid) return false;
-  return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale()).Write(sink);
+  try {
+    return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale())
+        .Write(sink);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 bool CTNFileParserEngine::OutputEntityList(const std::string& path, std::string& error) {
+  error.clear();
   AtomicFile file;
   if (!m_valid || !file.Open(path, AtomicFile::Durability::Renamed, error)) return false;
   const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
   if (!WriteEntityList(write) || !file.Commit(error)) {
+    // The file tells why it failed; where it did not, memory ran out.
+    if (error.empty()) error = XmlStatusText(kXmlOutOfMemory);
     ReportError(error, ErrorShown::Later);
     return false;
   }

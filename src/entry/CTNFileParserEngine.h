@@ -80,7 +80,7 @@ class CTNFileParserEngine final : public CTNParserContext {
   /// output. On failure `error` says why; what fails once the file was begun is also an entry of
   /// the error log.
   bool OutputEntityList(const std::string& path, std::string& error);
-  /// Hands the entity list to a sink in pieces.
+  /// Hands the entity list to a sink in pieces. False when the sink stopped it or memory ran out.
   bool WriteEntityList(const std::function<bool(std::string_view)>& sink) const;
   ApplicationStats GetStats() const;
 

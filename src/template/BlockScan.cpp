@@ -13,6 +13,7 @@ BlockScan::BlockScan(const CTNParserTemplate& document,
     : m_program(document),
       m_blocks(blocks),
       m_result(blocks.Begin(text, m_program.GetLayout(), use)),
+      m_use(use),
       m_matcher(m_program, m_result),
       m_singleBlocks(m_program.GetRecordCount(), -1),
       m_orderOf(m_program.GetRecordCount(), 0) {
@@ -112,6 +113,11 @@ void BlockScan::AddNestedAttempts(std::vector<Attempt>& attempts) const {
   for (std::uint32_t record = 0; record < nested.size(); ++record) {
     const NestedAttempt& last = nested[record];
     if (last.sequence == 0) continue;
+    if (m_program.GetRecord(last.parent).entangled) {
+      // On its own it would go deeper than it did there: the whole is repeated.
+      attempts.push_back(AttemptOf(last.parent, last.block));
+      continue;
+    }
     Attempt attempt = AttemptOf(record, last.block);
     attempt.order = m_orderOf[last.parent];
     attempt.sequence = last.sequence;
@@ -122,9 +128,12 @@ void BlockScan::AddNestedAttempts(std::vector<Attempt>& attempts) const {
 
 std::vector<BlockScan::Attempt> BlockScan::GetLastAttempts() const {
   std::vector<Attempt> attempts;
+  if (m_use == ResultUse::Counted) return attempts;
   AddTopLevelAttempts(attempts);
   AddNestedAttempts(attempts);
   std::sort(attempts.begin(), attempts.end());
+  const auto same = [](const Attempt& a, const Attempt& b) { return !(a < b) && !(b < a); };
+  attempts.erase(std::unique(attempts.begin(), attempts.end(), same), attempts.end());
   return attempts;
 }
 

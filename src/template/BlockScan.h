@@ -37,7 +37,12 @@ class BlockScan {
     std::uint32_t position;
     bool operator<(const Attempt& other) const;
   };
-  /// The last attempt at every record that was tried, in the order in which they happened.
+  /// True when the blocks are those that this scan made.
+  bool IsScanOf(const CTNParsedBlockPtrArray& blocks) const {
+    return blocks.GetResult().get() == &m_result;
+  }
+  /// The last attempt at every record that was tried, in the order in which they happened. None
+  /// when blocks were only counted.
   std::vector<Attempt> GetLastAttempts() const;
   /// The block that a single-match record matched, or -1.
   std::ptrdiff_t GetSingleMatchBlock(const CTNTemplateRecord& record) const;
@@ -56,6 +61,7 @@ class BlockScan {
   MatchProgram m_program;
   CTNParsedBlockPtrArray& m_blocks;
   CTNParsedResult& m_result;
+  ResultUse m_use;
   ProgramMatcher m_matcher;
   std::vector<std::ptrdiff_t> m_singleBlocks;  // By record; -1 while it has not matched.
   std::vector<std::uint32_t> m_orderOf;        // By record: its place in the order of trying.

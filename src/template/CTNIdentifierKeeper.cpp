@@ -7,6 +7,9 @@
 #include "template/ValueTokens.h"
 #include "tnbase/CharClass.h"
 
+#include <string_view>
+#include <utility>
+
 namespace bomparser {
 
 CTNIdentifierKeeper::CTNIdentifierKeeper(CTNTemplateRecord& record)
@@ -99,9 +102,11 @@ const CTNTemplateRecord* CTNIdentifierKeeper::RecordMeant(const std::string& tok
 std::string CTNIdentifierKeeper::Renamed(const CTNTemplateRecord& record,
                                          const std::string& expression, const Ids& ids) const {
   const std::string& gone = GetMessageText(Msg::UnknownId);
-  const auto idOf = [&ids, &gone](const void* meaning) -> const std::string& {
+  const auto idOf = [&ids, &gone](const void* meaning, std::string_view written) {
     const auto found = ids.find(meaning);
-    return found == ids.end() ? gone : found->second;
+    const std::string_view id = found == ids.end() ? gone : found->second;
+    // It keeps the case it was typed in as long as it is the same.
+    return EqualsNoCase(id, written) ? written : id;
   };
   const auto own = m_fields.find(&record);
   std::string renamed;
@@ -118,10 +123,10 @@ std::string CTNIdentifierKeeper::Renamed(const CTNTemplateRecord& record,
     dotted = token == "." ? before : nullptr;
     before = nullptr;
     if (scope != m_fields.end() && MeansSomething(scope->second, token, meaning)) {
-      renamed += idOf(meaning);
+      renamed += idOf(meaning, written);
     } else if (meant != nullptr) {
       before = meant;
-      renamed += idOf(meant);
+      renamed += idOf(meant, written);
     } else {
       renamed += written;
     }
@@ -132,13 +137,18 @@ std::string CTNIdentifierKeeper::Renamed(const CTNTemplateRecord& record,
 void CTNIdentifierKeeper::Apply() {
   const Ids ids = IdsNow();
   const std::vector<CTNTemplateRecord*> records = RecordsNow();
-  for (CTNTemplateRecord* record : records) {
+  // First all texts, then the changes: memory that runs out leaves everything as it was.
+  std::vector<std::pair<CTNTemplRecOutField*, std::string>> changes;
+  for (const CTNTemplateRecord* record : records) {
     for (const auto& element : record->GetOutputFields()) {
-      const std::string renamed = Renamed(*record, element->GetExpression(), ids);
-      // An identifier keeps the case it was typed in as long as it still means the same.
-      if (!EqualsNoCase(renamed, element->GetExpression())) element->SetExpression(renamed);
+      std::string renamed = Renamed(*record, element->GetExpression(), ids);
+      if (renamed != element->GetExpression()) {
+        changes.emplace_back(element.get(), std::move(renamed));
+      }
     }
   }
+  for (const auto& [element, text] : changes)
+    element->SetExpression(text);
   for (CTNTemplateRecord* record : records)
     record->ReparseOutputExpressions();
 }

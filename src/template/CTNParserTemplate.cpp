@@ -58,6 +58,10 @@ CTNParserTemplate::RecordList& CTNParserTemplate::ListOf(RecordKind kind) {
   return IsEntityKind(kind) ? m_entityRecords : m_auxiliaryRecords;
 }
 
+const CTNParserTemplate::RecordList& CTNParserTemplate::ListOf(RecordKind kind) const {
+  return IsEntityKind(kind) ? m_entityRecords : m_auxiliaryRecords;
+}
+
 void CTNParserTemplate::Renumber(RecordList& list, std::size_t from) {
   for (std::size_t i = from; i < list.size(); ++i)
     list[i]->m_position = i;
@@ -97,12 +101,17 @@ CTNTemplateRecord* CTNParserTemplate::AddRecord(RecordKind kind, std::string_vie
 CTNTemplateRecord* CTNParserTemplate::AddRecordCopy(const CTNTemplateRecord& record) {
   auto copy = std::make_unique<CTNTemplateRecord>(this);
   copy->Copy(record);
-  return Insert(std::move(copy), nullptr);
+  CTNTemplateRecord* const added = Insert(std::move(copy), nullptr);
+  // While it was being filled, elements could not name those behind them.
+  if (added != nullptr) added->ReparseOutputExpressions();
+  return added;
 }
 
 bool CTNParserTemplate::Holds(const CTNTemplateRecord* record) const {
-  return record != nullptr && record->GetTemplate() == this &&
-         record->m_position != CTNTemplateRecord::kNotInTemplate;
+  if (record == nullptr || record->GetTemplate() != this) return false;
+  // The type says where to look: a record that was given one of the other list is in neither.
+  const RecordList& list = ListOf(record->GetType());
+  return record->m_position < list.size() && list[record->m_position].get() == record;
 }
 
 void CTNParserTemplate::UnlinkRecord(const CTNTemplateRecord* gone) {
@@ -169,6 +178,7 @@ CTNTemplateRecord* CTNParserTemplate::FindRecordByID(std::string_view id) const 
 }
 
 bool CTNParserTemplate::IsFieldReferenced(const CTNTemplRecField* field, bool skipOwnRecord) const {
+  if (field == nullptr) return false;
   for (const RecordList* list : {&m_entityRecords, &m_auxiliaryRecords}) {
     for (const auto& record : *list) {
       if (skipOwnRecord && record.get() == field->GetParentRecord()) continue;
@@ -254,7 +264,8 @@ bool CTNParserTemplate::OnNode(XmlNode node, const XmlBindingTable& bindings) {
 
 int CTNParserTemplate::LoadFromXml(std::string_view xmlText) {
   m_recognised = false;
-  return FinishLoad(Load(xmlText));
+  const int status = FinishLoad(Load(xmlText));
+  return status == kXmlNotWellFormed ? kXmlGeneralFailure : status;
 }
 
 int CTNParserTemplate::LoadFromFile(const std::string& path) {

@@ -103,10 +103,10 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   // The template file.
 
   /// Rebuilds the template, which was reset before, from XML text. A negative status leaves it
-  /// reset: kXmlNotWellFormed with the details in LastParseFailure, kXmlGeneralFailure for a
-  /// document that holds nothing of a template, kXmlOutOfMemory.
+  /// reset: kXmlGeneralFailure for a text that is not well-formed, with the details in
+  /// LastParseFailure, and for a document that holds nothing of a template; kXmlOutOfMemory.
   int LoadFromXml(std::string_view xmlText);
-  /// The same from a file.
+  /// The same from a file. One that is not well-formed or cannot be read gives kXmlNotWellFormed.
   int LoadFromFile(const std::string& path);
   int Serialize(XmlNode parent) override;
   int OnBeginNode(XmlNode node, bool& handled) override;
@@ -131,6 +131,7 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
 
  private:
   RecordList& ListOf(RecordKind kind);
+  const RecordList& ListOf(RecordKind kind) const;
   CTNTemplateRecord* Insert(std::unique_ptr<CTNTemplateRecord> record,
                             const CTNTemplateRecord* before);
   static void Renumber(RecordList& list, std::size_t from);

@@ -5,6 +5,7 @@
 #include "input/CTNStringCharBuffIter.h"
 #include "input/MessageTexts.h"
 #include "template/BlockScan.h"
+#include "template/NestingLimits.h"
 
 #include <new>
 
@@ -12,6 +13,9 @@ namespace bomparser {
 
 namespace {
 constexpr std::size_t kLongestLineTold = 1020;
+/// What scans may read while last attempts are repeated. Repeating is for the eye; on a text that
+/// was made to be slow the fields then show less.
+constexpr std::uint64_t kMaxReplayedCharacters = 20'000'000;
 }  // namespace
 
 void CTNParserTemplate::BeginApplication(const std::shared_ptr<const CTNInputText>& text,
@@ -64,6 +68,8 @@ void CTNParserTemplate::EndApplication(const CTNParsedBlockPtrArray& blocks) {
       record->SetSingleMatchBlock(nullptr);
     }
   }
+  // What a cancelled application left behind is not about these blocks.
+  if (m_scan && !m_scan->IsScanOf(blocks)) m_scan = nullptr;
   if (!m_scan) return;
   if (m_keepCurrentValues) ReplayLastAttempts(blocks);
   for (const auto& record : m_auxiliaryRecords) {
@@ -78,14 +84,16 @@ void CTNParserTemplate::EndApplication(const CTNParsedBlockPtrArray& blocks) {
 void CTNParserTemplate::ReplayLastAttempts(const CTNParsedBlockPtrArray& blocks) {
   // Matching at speed stores no values. Trying every record once more where it was tried last, in
   // the same order, leaves the fields with the values that they would have.
-  if (!blocks.GetResult() || blocks.GetSize() == 0) return;
   CTNStringCharBuffIter text(blocks.GetResult()->GetText());
+  std::uint64_t characters = kMaxReplayedCharacters;
   for (const BlockScan::Attempt& attempt : m_scan->GetLastAttempts()) {
     auto* record = const_cast<CTNTemplateRecord*>(attempt.record);
     text.SetPosition(attempt.position);
     CTNParsedFileBlock block(GetContext());
     std::string ignored;
-    const bool matched = record->Match(text, &block, ignored, KeepValues::No);
+    NestingState nesting(record);
+    nesting.LimitScans(characters);
+    const bool matched = record->Match(text, &block, ignored, KeepValues::No, nesting);
     if (!matched || !record->IsSingleMatch()) continue;
     record->SetSingleMatchBlock(std::make_shared<CTNParsedFileBlock>(block));
   }

@@ -32,6 +32,12 @@ bool ReadFlag(std::string_view text) { return !EqualsNoCase(text, GetMessageText
 
 }  // namespace
 
+RecordLink& RecordLink::operator=(CTNTemplateRecord* record) {
+  m_record = record;
+  m_alive = record != nullptr ? record->GetLife() : std::weak_ptr<const void>();
+  return *this;
+}
+
 /// Texts as they stand in a file, until FixUpAfterLoad makes flags and a type of them.
 struct CTNTemplRecInField::LoadedTexts {
   std::string type;
@@ -63,7 +69,7 @@ const std::string& CTNTemplRecInField::FlagText(bool flag) {
 }
 
 void CTNTemplRecInField::SetType(FieldKind kind) {
-  if (m_subRecord != nullptr) m_matchValueText = GetMatchValueText();
+  if (IsSubRecordType(m_kind)) m_matchValueText = GetMatchValueText();
   m_kind = kind;
   const FieldType& type = GetFieldType(kind);
   if (!type.caseSensitive) m_caseSensitive = false;
@@ -71,7 +77,7 @@ void CTNTemplRecInField::SetType(FieldKind kind) {
   m_matchLength = type.matchLength ? std::max(m_matchLength, 0) : -1;
   m_repeatable = IsSubRecordType(kind);
   if (IsSubRecordType(kind)) {
-    ResolveSubRecord();
+    LinkTo(m_matchValueText);
   } else {
     m_subRecord = nullptr;
   }
@@ -81,26 +87,28 @@ void CTNTemplRecInField::SetType(FieldKind kind) {
 
 std::string CTNTemplRecInField::GetMatchValueText() const {
   if (!AllowsMatchValues(m_kind)) return {};
-  if (IsSubRecordType(m_kind) && m_subRecord != nullptr) return m_subRecord->GetRecordId();
-  return m_matchValueText;
+  if (m_subRecord.IsLost()) return GetMessageText(Msg::UnknownId);
+  return m_subRecord != nullptr ? m_subRecord->GetRecordId() : m_matchValueText;
 }
 
 void CTNTemplRecInField::SetMatchValueText(std::string_view text) {
   m_matchValueText = text;
-  if (IsSubRecordType(m_kind)) ResolveSubRecord();
+  if (IsSubRecordType(m_kind)) LinkTo(m_matchValueText);
 }
 
 void CTNTemplRecInField::AddMatchValue(std::string_view text, bool caseSensitive) {
   if (!GetMatchValueText().empty()) m_matchValueText += kValueSeparator;
   m_matchValueText += text;
-  if (IsSubRecordType(m_kind)) ResolveSubRecord();
+  if (IsSubRecordType(m_kind)) LinkTo(m_matchValueText);
   m_caseSensitive = caseSensitive;
 }
 
-CTNTemplateRecord* CTNTemplRecInField::ResolveSubRecord() {
+CTNTemplateRecord* CTNTemplRecInField::ResolveSubRecord() { return LinkTo(GetMatchValueText()); }
+
+CTNTemplateRecord* CTNTemplRecInField::LinkTo(std::string_view id) {
   CTNParserTemplate* document = GetTemplate();
   if (document == nullptr) return nullptr;
-  CTNTemplateRecord* named = document->FindRecordByID(m_matchValueText);
+  CTNTemplateRecord* named = document->FindRecordByID(id);
   if (named != nullptr) m_subRecord = named;
   return named;
 }
@@ -112,6 +120,7 @@ void CTNTemplRecInField::ForgetSubRecord() {
 
 std::vector<std::string> CTNTemplRecInField::GetMatchValues() const {
   std::vector<std::string> values;
+  // Not GetMatchValueText: values that the type does not allow are there to be complained about.
   const std::string text = IsSubRecordType(m_kind) ? GetMatchValueText() : m_matchValueText;
   AnyPiece(text, [&values](std::string_view piece) {
     values.emplace_back(piece);
@@ -121,9 +130,11 @@ std::vector<std::string> CTNTemplRecInField::GetMatchValues() const {
 }
 
 bool CTNTemplRecInField::IsMatchValue(std::string_view text) const {
-  return AnyPiece(m_matchValueText, [this, text](std::string_view piece) {
+  const auto equals = [this, text](std::string_view piece) {
     return m_caseSensitive ? piece == text : EqualsNoCase(piece, text);
-  });
+  };
+  return IsSubRecordType(m_kind) ? AnyPiece(GetMatchValueText(), equals)
+                                 : AnyPiece(m_matchValueText, equals);
 }
 
 bool CTNTemplRecInField::IsValidMatchValue(std::string_view text) const {
@@ -145,7 +156,9 @@ bool CTNTemplRecInField::IsValidMatchValue(std::string_view text) const {
 }
 
 void CTNTemplRecInField::CopyFrom(const CTNTemplRecInField& other) {
+  if (&other == this) return;
   CTNTemplRecField::operator=(other);
+  m_subRecord = nullptr;  // Else the old link would have its say in SetType.
   m_matchValueText = other.m_matchValueText;
   SetType(other.m_kind);
   m_required = other.m_required;
@@ -158,7 +171,7 @@ void CTNTemplRecInField::CopyFrom(const CTNTemplRecInField& other) {
 const CTNMatchedRecord* CTNTemplRecInField::GetMatchedRecord() const { return GetParentRecord(); }
 
 const CTNMatchedRecord* CTNTemplRecInField::GetMatchedSubRecord() const {
-  return IsSubRecordType(m_kind) ? m_subRecord : nullptr;
+  return IsSubRecordType(m_kind) ? GetSubRecord() : nullptr;
 }
 
 // ------------------------------------------------------------------------------- validation

@@ -15,11 +15,26 @@ namespace bomparser {
 
 class CTNParsedFileBlock;
 class CTNParserCharBuffIter;
-struct NestingState;
+class NestingState;
 
 /// Whether a failed match leaves the fields the values of the attempt: a user who tests a record on
 /// a selection wants to see them, an application does not.
 enum class KeepValues { No, Yes };
+
+/// A link to a record that somebody else owns. When that record goes, wherever it is, the link
+/// reads as null, and it never means another record that happens to stand at the same address.
+class RecordLink {
+ public:
+  RecordLink& operator=(CTNTemplateRecord* record);
+  operator CTNTemplateRecord*() const { return m_alive.expired() ? nullptr : m_record; }
+  CTNTemplateRecord* operator->() const { return *this; }
+  /// True when the record that was linked is gone.
+  bool IsLost() const { return m_record != nullptr && m_alive.expired(); }
+
+ private:
+  CTNTemplateRecord* m_record = nullptr;
+  std::weak_ptr<const void> m_alive;
+};
 
 /// One typed token of a record's pattern: a number, a literal, a line end, a nested record ...
 class CTNTemplRecInField final : public CTNTemplRecField,
@@ -36,6 +51,7 @@ class CTNTemplRecInField final : public CTNTemplRecField,
 
   FieldKind GetType() const { return m_kind; }
   std::string_view GetTypeName() const { return GetFieldType(m_kind).name; }
+  static std::string_view GetTypeName(FieldKind kind) { return GetFieldType(kind).name; }
   /// Stores the type and applies its rules: what the type does not allow is cleared, a match length
   /// that it needs becomes 0, and a STRING without match values takes the current value as its one.
   void SetType(FieldKind kind);
@@ -74,8 +90,8 @@ class CTNTemplRecInField final : public CTNTemplRecField,
   /// "TRUE" or "FALSE", the form in which flags are stored and shown.
   static const std::string& FlagText(bool flag);
 
-  /// The record that a SUBRECORD field is linked to; null while unresolved. Not owned: the template
-  /// unlinks it when that record is deleted.
+  /// The record that a SUBRECORD field is linked to; null while unresolved, and from when that
+  /// record is deleted. Not owned.
   CTNTemplateRecord* GetSubRecord() const { return m_subRecord; }
   /// Looks the match value up as a record identifier and links the field to that record. Returns
   /// it, or null when no record has the identifier; the link stays as it was then.
@@ -112,6 +128,7 @@ class CTNTemplRecInField final : public CTNTemplRecField,
  private:
   struct LoadedTexts;
 
+  CTNTemplateRecord* LinkTo(std::string_view id);
   void RegisterBindings(XmlBindingTable& bindings) override;
   std::string FindError() const;
   std::string FindSubRecordError() const;
@@ -132,7 +149,7 @@ class CTNTemplRecInField final : public CTNTemplRecField,
                       NestingState& nesting);
   bool IsNumberMatchValue(std::string_view text) const;
 
-  CTNTemplateRecord* m_subRecord = nullptr;
+  RecordLink m_subRecord;
   std::string m_matchValueText;
   FieldKind m_kind = FieldKind::Undefined;
   std::int32_t m_matchLength = -1;

@@ -51,7 +51,7 @@ bool ReadOne(CTNParserCharBuffIter& text, char wanted) {
 
 bool CTNTemplRecInField::Match(CTNParserCharBuffIter& text, CTNParsedFileBlock* block,
                                std::string& value, CTNTemplRecInField* next, KeepValues keep) {
-  NestingState nesting;
+  NestingState nesting(GetParentRecord());
   return Match(text, block, value, next, keep, nesting);
 }
 
@@ -134,6 +134,7 @@ bool CTNTemplRecInField::MatchString(CTNParserCharBuffIter& text, std::string& v
 }
 
 bool CTNTemplRecInField::MatchColumn(CTNParserCharBuffIter& text, std::string& value) const {
+  if (m_matchLength < 0) return false;
   for (std::int32_t i = 0; i < m_matchLength; ++i) {
     char c = 0;
     // A line feed inside the column, like the end of the text, makes it too short.
@@ -186,7 +187,7 @@ bool CTNTemplRecInField::MatchScan(CTNParserCharBuffIter& text, std::string& val
   // templates count on it.
   while (limit < 1 || value.size() <= static_cast<std::size_t>(limit)) {
     char c = 0;
-    if (!text.GetNext(c)) return false;
+    if (!nesting.MayScanOn() || !text.GetNext(c)) return false;
     value += c;
     if (nextMatchesHere()) return true;
   }

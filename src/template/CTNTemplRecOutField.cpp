@@ -44,8 +44,8 @@ void CTNTemplRecOutField::SetTag(OutputTag tag) {
 
 void CTNTemplRecOutField::SetTagByName() {
   OutputTag tag = m_tag;
-  FindTag(m_loadedTag, tag);
-  m_loadedTag.clear();
+  FindTag(m_loadedTag ? std::string_view(*m_loadedTag) : GetTagText(), tag);
+  m_loadedTag = nullptr;
   SetTag(tag);
 }
 
@@ -175,8 +175,8 @@ bool CTNTemplRecOutField::RefersTo(const CTNTemplRecField* field) const {
 }
 
 void CTNTemplRecOutField::RegisterBindings(XmlBindingTable& bindings) {
-  m_loadedTag = GetTagText();
-  bindings.Add("KEY", &m_loadedTag);
+  m_loadedTag = std::make_unique<std::string>(GetTagText());
+  bindings.Add("KEY", m_loadedTag.get());
   bindings.Add("VALUE", &m_expression);
 }
 

@@ -7,6 +7,7 @@
 #include "template/OutputTags.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,7 +83,7 @@ class CTNTemplRecOutField final : public CTNTemplRecField, public CXMLArchive {
 
   OutputTag m_tag = OutputTag::Undefined;
   std::string m_expression;
-  std::string m_loadedTag;  // Only between reading and SetTagByName.
+  std::unique_ptr<std::string> m_loadedTag;  // Only between reading and SetTagByName.
   std::vector<CTNOutFieldValueElement> m_items;
   bool m_defaultUsed = false;
   mutable bool m_searching = false;                  // See CircleGuard.

@@ -5,10 +5,12 @@
 #include "template/CTNIdentifierKeeper.h"
 #include "template/CTNParserTemplate.h"
 #include "template/Identifiers.h"
+#include "template/RecordsToAsk.h"
 #include "tnbase/CharClass.h"
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace bomparser {
 
@@ -38,6 +40,13 @@ auto* Put(Array& array, std::unique_ptr<Field> field, const Field* before) {
   return array.insert(array.begin() + place, std::move(field))->get();
 }
 
+/// The entry behind the field, or null.
+template <class Array, class Field>
+const Field* FollowerOf(const Array& array, const Field* field) {
+  const std::size_t next = PlaceOf(array, field) + 1;
+  return next < array.size() ? array[next].get() : nullptr;
+}
+
 template <class Array, class Field>
 Field* Insert(CTNTemplateRecord& record, Array& array, std::unique_ptr<Field> field,
               const Field* before) {
@@ -45,17 +54,44 @@ Field* Insert(CTNTemplateRecord& record, Array& array, std::unique_ptr<Field> fi
   if (PlaceOf(array, before) == array.size()) return Put(array, std::move(field), before);
   CTNIdentifierKeeper keeper(record);
   Field* const inserted = Put(array, std::move(field), before);
-  keeper.Apply();
+  try {
+    keeper.Apply();
+  } catch (const std::bad_alloc&) {
+    Take(array, inserted);
+    throw;
+  }
   return inserted;
+}
+
+template <class Array, class Field>
+std::unique_ptr<Field> Remove(CTNTemplateRecord& record, Array& array, const Field* field) {
+  if (PlaceOf(array, field) == array.size()) return nullptr;
+  const Field* const follower = FollowerOf(array, field);
+  CTNIdentifierKeeper keeper(record);
+  std::unique_ptr<Field> taken = Take(array, field);
+  try {
+    keeper.Apply();
+  } catch (const std::bad_alloc&) {
+    Put(array, std::move(taken), follower);  // Into the room that it left.
+    throw;
+  }
+  taken->SetParentRecord(nullptr);
+  return taken;
 }
 
 template <class Array, class Field>
 bool Move(CTNTemplateRecord& record, Array& array, const Field* field, const Field* before) {
   if (PlaceOf(array, field) == array.size()) return false;
   if (field == before) return true;
+  const Field* const follower = FollowerOf(array, field);
   CTNIdentifierKeeper keeper(record);
   Put(array, Take(array, field), before);
-  keeper.Apply();
+  try {
+    keeper.Apply();
+  } catch (const std::bad_alloc&) {
+    Put(array, Take(array, field), follower);
+    throw;
+  }
   return true;
 }
 
@@ -92,85 +128,104 @@ void CTNTemplateRecord::InitCatchAll() {
 
 // ------------------------------------------------------------------------------- fields
 
-void CTNTemplateRecord::ReportNoMemory() const {
-  if (m_template != nullptr) {
-    m_template->ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
+/// Runs an edit. Where memory runs out the error log says so, and the answer is null or false.
+template <class Edit>
+auto CTNTemplateRecord::Guard(Edit edit) const -> decltype(edit()) {
+  try {
+    return edit();
+  } catch (const std::bad_alloc&) {
+    if (m_template != nullptr) {
+      m_template->ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
+    }
+    return {};
   }
 }
 
 CTNTemplRecInField* CTNTemplateRecord::AddInputField(FieldKind kind, bool required,
                                                      const CTNTemplRecInField* before) {
-  auto field = std::make_unique<CTNTemplRecInField>(this);
-  field->SetType(kind);
-  field->SetRequired(required);
-  return InsertField(std::move(field), before);
+  return Guard([=, this] {
+    auto field = std::make_unique<CTNTemplRecInField>(this);
+    field->SetType(kind);
+    field->SetRequired(required);
+    return InsertField(std::move(field), before);
+  });
 }
 
 CTNTemplRecInField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecInField> field,
                                                    const CTNTemplRecInField* before) {
   if (!field) return nullptr;
-  try {
-    field->SetParentRecord(this);
-    return Insert(*this, m_inputFields, std::move(field), before);
-  } catch (const std::bad_alloc&) {
-    ReportNoMemory();
-    return nullptr;
-  }
+  field->SetParentRecord(this);
+  return Guard([&] { return Insert(*this, m_inputFields, std::move(field), before); });
 }
 
 CTNTemplRecOutField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecOutField> field,
                                                     const CTNTemplRecOutField* before) {
   if (!field) return nullptr;
-  try {
-    field->SetParentRecord(this);
-    return Insert(*this, m_outputFields, std::move(field), before);
-  } catch (const std::bad_alloc&) {
-    ReportNoMemory();
-    return nullptr;
-  }
+  field->SetParentRecord(this);
+  CTNTemplRecOutField* const inserted =
+      Guard([&] { return Insert(*this, m_outputFields, std::move(field), before); });
+  // Whatever its expression meant elsewhere, here it means this record's fields.
+  std::string ignored;
+  if (inserted != nullptr) inserted->ParseExpression(ignored);
+  return inserted;
 }
 
 std::unique_ptr<CTNTemplRecInField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecInField* field) {
-  CTNIdentifierKeeper keeper(*this);
-  auto taken = Take(m_inputFields, field);
-  if (taken) keeper.Apply();
-  return taken;
+  return Guard([=, this] { return Remove(*this, m_inputFields, field); });
 }
 
 std::unique_ptr<CTNTemplRecOutField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecOutField* field) {
-  CTNIdentifierKeeper keeper(*this);
-  auto taken = Take(m_outputFields, field);
-  if (taken) keeper.Apply();
+  auto taken = Guard([=, this] { return Remove(*this, m_outputFields, field); });
+  // On its own it means nothing: its items must not outlive the fields that they name.
+  std::string ignored;
+  if (taken) taken->ParseExpression(ignored);
   return taken;
 }
 
 bool CTNTemplateRecord::MoveField(const CTNTemplRecInField* field,
                                   const CTNTemplRecInField* before) {
-  return Move(*this, m_inputFields, field, before);
+  return Guard([=, this] { return Move(*this, m_inputFields, field, before); });
 }
 
 bool CTNTemplateRecord::MoveField(const CTNTemplRecOutField* field,
                                   const CTNTemplRecOutField* before) {
-  return Move(*this, m_outputFields, field, before);
+  return Guard([=, this] { return Move(*this, m_outputFields, field, before); });
 }
 
 CTNTemplRecInField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecInField& field) {
-  auto copy = std::make_unique<CTNTemplRecInField>(this);
-  copy->CopyFrom(field);
-  return InsertField(std::move(copy));
+  return Guard([&] {
+    auto copy = std::make_unique<CTNTemplRecInField>(this);
+    copy->CopyFrom(field);
+    return InsertField(std::move(copy));
+  });
 }
 
 CTNTemplRecOutField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecOutField& field) {
-  auto copy = std::make_unique<CTNTemplRecOutField>(this);
-  copy->CopyFrom(field);
-  return InsertField(std::move(copy));
+  return Guard([&] {
+    auto copy = std::make_unique<CTNTemplRecOutField>(this);
+    copy->CopyFrom(field);
+    return InsertField(std::move(copy));
+  });
 }
 
 void CTNTemplateRecord::ClearFields() {
-  m_inputFields.clear();
-  m_outputFields.clear();
+  if (m_inputFields.empty() && m_outputFields.empty()) return;
+  Guard([this] {
+    CTNIdentifierKeeper keeper(*this);
+    // Until nothing names them any more, the fields are only set aside.
+    auto inputs = std::exchange(m_inputFields, {});
+    auto outputs = std::exchange(m_outputFields, {});
+    try {
+      keeper.Apply();
+    } catch (const std::bad_alloc&) {
+      m_inputFields.swap(inputs);
+      m_outputFields.swap(outputs);
+      throw;
+    }
+    return true;
+  });
 }
 
 void CTNTemplateRecord::Copy(const CTNTemplateRecord& other) {
@@ -181,6 +236,7 @@ void CTNTemplateRecord::Copy(const CTNTemplateRecord& other) {
     AppendCopyOfField(*field);
   for (const auto& field : other.m_outputFields)
     AppendCopyOfField(*field);
+  ReparseOutputExpressions();  // Elements may name those behind them.
   m_kind = other.m_kind;
   m_description = other.m_description;
   m_lineFeedField.CopyFrom(other.m_lineFeedField);
@@ -221,14 +277,14 @@ bool CTNTemplateRecord::FindFieldByID(std::string_view id, FoundField& found) co
 }
 
 bool CTNTemplateRecord::IsFieldReferenced(const CTNTemplRecField* field) const {
-  const CircleGuard guard(m_visiting);
-  if (guard.IsCircle()) return false;
-  for (const auto& element : m_outputFields) {
-    if (element->RefersTo(field)) return true;
-  }
-  for (const auto& input : m_inputFields) {
-    const CTNTemplateRecord* sub = input->GetSubRecord();
-    if (sub != nullptr && sub->IsFieldReferenced(field)) return true;
+  RecordsToAsk records;
+  records.Add(this);
+  while (const CTNTemplateRecord* record = records.Next()) {
+    for (const auto& element : record->m_outputFields) {
+      if (element->RefersTo(field)) return true;
+    }
+    for (const auto& input : record->m_inputFields)
+      records.Add(input->GetSubRecord());
   }
   return false;
 }
@@ -264,139 +320,27 @@ bool CTNTemplateRecord::IsRequiredTag(OutputTag tag) const {
 }
 
 bool CTNTemplateRecord::CreateRequiredOutputSet() {
-  for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
-    const auto tag = static_cast<OutputTag>(code);
-    const bool present =
-        std::any_of(m_outputFields.begin(), m_outputFields.end(),
-                    [tag](const auto& element) { return element->GetTag() == tag; });
-    if (!IsRequiredTag(tag) || present) continue;
-    CTNTemplRecOutField* element = InsertField(std::make_unique<CTNTemplRecOutField>(this));
-    if (element == nullptr) return false;
-    element->SetTag(tag);
-    element->SetDefaultExpression();
-  }
-  return true;
+  const auto isPresent = [this](OutputTag tag) {
+    return std::any_of(m_outputFields.begin(), m_outputFields.end(),
+                       [tag](const auto& element) { return element->GetTag() == tag; });
+  };
+  return Guard([this, isPresent] {
+    for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
+      const auto tag = static_cast<OutputTag>(code);
+      if (!IsRequiredTag(tag) || isPresent(tag)) continue;
+      CTNTemplRecOutField* element = InsertField(std::make_unique<CTNTemplRecOutField>(this));
+      if (element == nullptr) return false;
+      element->SetTag(tag);
+      element->SetDefaultExpression();
+    }
+    return true;
+  });
 }
 
 void CTNTemplateRecord::ReparseOutputExpressions() {
   std::string ignored;
   for (const auto& element : m_outputFields)
     element->ParseExpression(ignored);
-}
-
-// ------------------------------------------------------------------------------- validation
-
-namespace {
-
-void AddLine(std::string& text, const std::string& line) {
-  if (!text.empty()) text += '\n';
-  text += line;
-}
-
-}  // namespace
-
-std::int32_t CTNTemplateRecord::Validate() {
-  std::string error;
-  bool valid = true;
-  for (const bool passed :
-       {ValidateInputFields(error), ValidateOutputElements(error), ValidateRequiredTags(error),
-        ValidateLineEnd(error), ValidateType(error)}) {
-    valid = valid && passed;
-  }
-  SetValid(valid ? 1 : 0);
-  SetStatusText(std::move(error));
-  return IsValid();
-}
-
-bool CTNTemplateRecord::ValidateInputFields(std::string& error) {
-  bool valid = true;
-  for (const auto& field : m_inputFields) {
-    if (field->Validate() != 0) continue;
-    std::string id;
-    GetFieldID(field.get(), id);
-    error = FormatMessageText(Msg::InputFieldInvalid, id);  // The last one is told.
-    valid = false;
-  }
-  return valid;
-}
-
-bool CTNTemplateRecord::ValidateOutputElements(std::string& error) {
-  bool valid = true;
-  for (const auto& element : m_outputFields) {
-    if (element->Validate() == 0) {
-      std::string id;
-      GetFieldID(element.get(), id);
-      AddLine(error, FormatMessageText(Msg::OutputElementInvalid, id));
-      valid = false;
-    } else if (element->GetTag() != OutputTag::None && !IsAuxiliary() &&
-               !IsRequiredTag(element->GetTag())) {
-      element->SetStatusText(
-          FormatMessageText(Msg::NoteElementNotRequired, element->GetTagText(), GetTypeName()));
-    }
-  }
-  return valid;
-}
-
-bool CTNTemplateRecord::ValidateRequiredTags(std::string& error) const {
-  bool valid = true;
-  for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
-    const auto tag = static_cast<OutputTag>(code);
-    if (!IsRequiredTag(tag)) continue;
-    if (!HasOutputTag(tag)) {
-      // Tags that the type itself requires are told as the type's.
-      AddLine(error,
-              IsTagRequiredByType(m_kind, tag)
-                  ? FormatMessageText(Msg::RecordTypeRequiresTag, GetTypeName(), GetTagName(tag))
-                  : FormatMessageText(Msg::ApertureRequiresTag, m_description, GetTagName(tag)));
-      valid = false;
-    } else if (tag != OutputTag::RefDesignator && CountOutputTag(tag) >= 2) {
-      // A part may have several designators, but one of everything else.
-      AddLine(error, FormatMessageText(Msg::OnlyOneRequiredTag, GetTagName(tag)));
-      valid = false;
-    }
-  }
-  return valid;
-}
-
-bool CTNTemplateRecord::ValidateLineEnd(std::string& error) const {
-  if (m_inputFields.empty() || m_kind == RecordKind::SubRecord || EndsWithRequiredNewline()) {
-    return true;
-  }
-  AddLine(error, GetMessageText(Msg::NewlineRequiredAtEnd));
-  return false;
-}
-
-bool CTNTemplateRecord::ValidateType(std::string& error) const {
-  if (!IsAllowedRecordType(m_kind)) {
-    AddLine(error, GetMessageText(Msg::InvalidRecordType));
-    return false;
-  }
-  if (m_kind == RecordKind::Aperture && GetApertureShape() == kNoShape) {
-    AddLine(error, GetMessageText(Msg::InvalidApertureDescription));
-    return false;
-  }
-  return true;
-}
-
-bool CTNTemplateRecord::EndsWithRequiredNewline() const {
-  const CircleGuard guard(m_visiting);
-  if (guard.IsCircle()) return false;
-  for (auto at = m_inputFields.rbegin(); at != m_inputFields.rend(); ++at) {
-    const CTNTemplRecInField& field = **at;
-    const bool required = field.IsRequired();
-    switch (field.GetType()) {
-      case FieldKind::Newline:
-        if (required) return true;
-        break;
-      case FieldKind::SubRecord:
-        if (field.GetSubRecord() == nullptr) return false;
-        if (required && field.GetSubRecord()->EndsWithRequiredNewline()) return true;
-        break;
-      default:
-        return false;
-    }
-  }
-  return false;
 }
 
 void CTNTemplateRecord::ResolveAfterLoad() {

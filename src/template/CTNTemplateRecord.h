@@ -49,6 +49,8 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   const std::string& GetDescription() const { return m_description; }
   void SetDescription(std::string_view description) { m_description = description; }
   CTNParserTemplate* GetTemplate() const { return m_template; }
+  /// Something that lives as long as the record: what refers to it watches this.
+  std::weak_ptr<const void> GetLife() const { return m_life; }
 
   const std::vector<std::unique_ptr<CTNTemplRecInField>>& GetInputFields() const {
     return m_inputFields;
@@ -61,7 +63,9 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
 
   // Editing. A field is inserted before `before`, or at the end when that is null or not in this
   // record. When fields are inserted, removed or moved, identifiers in the expressions that mean
-  // fields of this record change with them, in the whole template.
+  // fields of this record change with them, in the whole template. Where memory runs out, the
+  // template's error log says so, null or false is returned, and the record has the fields that it
+  // had.
 
   /// Makes and inserts an input field of the type.
   CTNTemplRecInField* AddInputField(FieldKind kind, bool required,
@@ -70,7 +74,8 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
                                   const CTNTemplRecInField* before = nullptr);
   CTNTemplRecOutField* InsertField(std::unique_ptr<CTNTemplRecOutField> field,
                                    const CTNTemplRecOutField* before = nullptr);
-  /// Takes the field out of its array and hands it to the caller; null if it is not in the record.
+  /// Takes the field out of its array and hands it to the caller, without a parent record; null if
+  /// it is not in the record.
   std::unique_ptr<CTNTemplRecInField> RemoveField(const CTNTemplRecInField* field);
   std::unique_ptr<CTNTemplRecOutField> RemoveField(const CTNTemplRecOutField* field);
   /// False if the field is not in the record.
@@ -171,7 +176,8 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   bool ValidateLineEnd(std::string& error) const;
   bool ValidateType(std::string& error) const;
   bool FinishMatch(CTNParsedFileBlock* block);
-  void ReportNoMemory() const;
+  template <class Edit>
+  auto Guard(Edit edit) const -> decltype(edit());
 
   CTNParserTemplate* m_template;  // Not owned.
   CTNTemplRecInField m_lineFeedField;
@@ -182,7 +188,7 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   std::vector<std::unique_ptr<CTNTemplRecInField>> m_inputFields;
   std::vector<std::unique_ptr<CTNTemplRecOutField>> m_outputFields;
   std::size_t m_position = kNotInTemplate;  // Place in its list of the template.
-  mutable bool m_visiting = false;          // See CircleGuard.
+  std::shared_ptr<const void> m_life = std::make_shared<char>();
 
  public:
   static constexpr std::size_t kNotInTemplate = SIZE_MAX;

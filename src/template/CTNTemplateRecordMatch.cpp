@@ -13,7 +13,7 @@ namespace bomparser {
 
 bool CTNTemplateRecord::Match(CTNParserCharBuffIter& text, CTNParsedFileBlock* block,
                               std::string& error, KeepValues keep) {
-  NestingState nesting;
+  NestingState nesting(this);
   return Match(text, block, error, keep, nesting);
 }
 

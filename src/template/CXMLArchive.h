@@ -91,12 +91,12 @@ class CXMLArchive {
   /// WriteStatus(), or the first failing status of an owned object.
   virtual int Serialize(XmlNode parent) = 0;
 
-  /// Reads this object from a node. In this order: OnBeginNode, whose status is returned at once
-  /// when it took the node over; OnNode for each attribute; OnNode for the node, and when it
+  /// Reads this object from the node `top`. In this order: OnBeginNode, whose status is returned at
+  /// once when it took the node over; OnNode for each attribute; OnNode for the node, and when it
   /// consumed it, done; then the same for each child in document order, whose statuses count for
   /// nothing: what cannot be read is dropped by whoever took it over, and its siblings are still
   /// read.
-  int Walk(XmlNode node);
+  int Walk(XmlNode top);
 
   /// Parses `xmlText` into the own document and walks it. kXmlNotWellFormed, with the document
   /// empty, nothing bound touched and the details in LastParseFailure(), when it is not

@@ -1,6 +1,8 @@
 #include "template/MatchProgram.h"
 
 #include "template/CTNParserTemplate.h"
+#include "template/EntangledRecords.h"
+#include "template/NestingLimits.h"
 #include "tnbase/CharClass.h"
 
 #include <algorithm>
@@ -105,43 +107,38 @@ class MatchProgram::FirstBytes {
   bool AddSubRecord(const FieldOp& op, ByteSet& bytes) {
     if (op.subRecord == CTNParsedLayout::kNoRecord) return false;
     if (!m_program.m_records[op.subRecord].valid) return false;
-    const Known& sub = Find(op.subRecord);
-    if (sub.visit == Visit::Open) {
+    // Deep chains are not followed to their end.
+    const bool deep = m_depth >= kMaxNestedRecords;
+    const Known* const sub = deep ? nullptr : &Find(op.subRecord);
+    if (sub == nullptr || sub->visit == Visit::Open) {
       AddBytes(bytes, IsAny);
       return true;
     }
     for (std::size_t i = 0; i < bytes.size(); ++i)
-      bytes[i] = bytes[i] || sub.bytes[i];
-    return sub.mayBeEmpty;
+      bytes[i] = bytes[i] || sub->bytes[i];
+    return sub->mayBeEmpty;
   }
 
   const Known& Find(std::uint32_t index) {
     Known& known = m_of[index];
-    RecordOp& record = m_program.m_records[index];
-    if (known.visit == Visit::Open) record.reachesCircle = true;
     if (known.visit != Visit::Not) return known;
     known.visit = Visit::Open;
-    // All fields are looked at, for circles; bytes are added up to the first that must take one.
-    for (std::uint32_t i = record.firstOp; i < record.lastOp; ++i) {
+    ++m_depth;
+    const RecordOp& record = m_program.m_records[index];
+    // Up to the first field that must take a byte.
+    for (std::uint32_t i = record.firstOp; i < record.lastOp && known.mayBeEmpty; ++i) {
       const FieldOp& op = m_program.m_ops[i];
-      ByteSet bytes{};
-      const bool empty = AddField(op, bytes);
-      if (op.kind == FieldKind::SubRecord && op.subRecord != CTNParsedLayout::kNoRecord &&
-          m_program.m_records[op.subRecord].reachesCircle) {
-        record.reachesCircle = true;
-      }
-      if (!known.mayBeEmpty) continue;
-      for (std::size_t b = 0; b < bytes.size(); ++b)
-        known.bytes[b] = known.bytes[b] || bytes[b];
-      known.mayBeEmpty = empty || !op.required;
+      known.mayBeEmpty = AddField(op, known.bytes) || !op.required;
     }
     if (known.mayBeEmpty) AddBytes(known.bytes, IsAny);
+    --m_depth;
     known.visit = Visit::Done;
     return known;
   }
 
   MatchProgram& m_program;
   std::vector<Known> m_of;
+  int m_depth = 0;
 };
 
 MatchProgram::MatchProgram(const CTNParserTemplate& document)
@@ -155,8 +152,11 @@ MatchProgram::MatchProgram(const CTNParserTemplate& document)
   }
   m_catchAll = m_layout->Describe(document.GetCatchAllRecord());
   m_ignoredLines = m_layout->Describe(document.GetIgnoredLinesRecord());
-  for (const ParsedRecordLayout& record : m_layout->Records()) {
-    CompileRecord(static_cast<const CTNTemplateRecord&>(*record.record));
+  EntangledRecords entangled;
+  for (const ParsedRecordLayout& described : m_layout->Records()) {
+    const auto& record = static_cast<const CTNTemplateRecord&>(*described.record);
+    CompileRecord(record);
+    m_records.back().entangled = entangled.Contains(record);
   }
   FirstBytes first(*this);
   for (std::uint32_t i = 0; i < m_records.size(); ++i)
@@ -170,8 +170,10 @@ void MatchProgram::CompileRecord(const CTNTemplateRecord& record) {
   op.valid = record.IsValid() != 0;
   op.singleMatch = record.IsSingleMatch();
   op.firstOp = static_cast<std::uint32_t>(m_ops.size());
-  for (const auto& field : record.GetInputFields())
+  for (const auto& field : record.GetInputFields()) {
     m_ops.push_back(CompileField(*field));
+    if (m_ops.back().kind == FieldKind::SubRecord) op.nests = true;
+  }
   op.lastOp = static_cast<std::uint32_t>(m_ops.size());
   m_records.push_back(op);
 }

@@ -47,7 +47,8 @@ struct FieldOp {
 struct RecordOp {
   bool valid;
   bool singleMatch;
-  bool reachesCircle;  // Whether it matches may depend on how deep it is nested.
+  bool entangled;  // See EntangledRecords.
+  bool nests;      // It has SUBRECORD fields.
   std::uint32_t firstOp;
   std::uint32_t lastOp;
 };

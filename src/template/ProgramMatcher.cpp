@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace bomparser {
 
@@ -70,7 +71,7 @@ ProgramMatcher::ProgramMatcher(const MatchProgram& program, CTNParsedResult& res
       m_begin(result.GetText()->Data()),
       m_end(m_begin + result.GetText()->Size()),
       m_scans(program.GetScanCount()),
-      m_failedAt(program.GetRecordCount(), kFailed),
+      m_failures(program.GetRecordCount()),
       m_attempts(program.GetRecordCount()) {}
 
 std::uint8_t* ProgramMatcher::Room(std::size_t count) {
@@ -86,7 +87,8 @@ std::uint32_t ProgramMatcher::Match(std::uint32_t record, std::uint32_t position
   m_pending = 0;
   m_block = position;
   m_parent = record;
-  m_nesting = {};
+  m_exact = m_program.GetRecord(record).entangled;
+  m_nesting = NestingState(m_exact ? NestingState::Kind::Entangled : NestingState::Kind::Plain);
   const char* end = MatchRecord(record, m_begin + position);
   if (end != nullptr) return PositionOf(end);
   m_pending = 0;
@@ -104,8 +106,7 @@ const char* ProgramMatcher::MatchRecord(std::uint32_t index, const char* at) {
       if (end != nullptr) at = end;
       continue;
     }
-    const char* end = op->kind == FieldKind::ScanToNext ? MatchScan(*op, at, !record.reachesCircle)
-                                                        : MatchField(*op, at);
+    const char* end = op->kind == FieldKind::ScanToNext ? MatchScan(*op, at) : MatchField(*op, at);
     std::uint8_t* const room = Room(element_code::kMaxBytes);
     if (end != nullptr) {
       const auto length = static_cast<std::uint32_t>(end - at);
@@ -223,21 +224,60 @@ const char* ProgramMatcher::Search(const FieldOp& scan, const char* from, const 
   return nullptr;
 }
 
-const char* ProgramMatcher::MatchScan(const FieldOp& scan, const char* at, bool remember) {
+/// Makes the zone that holds the position the current one, if there is one.
+void ProgramMatcher::TurnTo(ScanMemory& memory, std::uint32_t position) const {
+  const ScanZone left = std::exchange(memory.current, {});
+  auto found = std::upper_bound(
+      memory.others.begin(), memory.others.end(), position,
+      [](std::uint32_t wanted, const ScanZone& zone) { return wanted < zone.from; });
+  if (found != memory.others.begin() && (--found)->Holds(position)) {
+    memory.current = *found;
+    memory.others.erase(found);
+  }
+  if (left.clear >= m_block && left.from <= left.clear) Keep(memory, left);
+}
+
+void ProgramMatcher::Keep(ScanMemory& memory, const ScanZone& zone) const {
+  auto& others = memory.others;
+  const auto place =
+      std::upper_bound(others.begin(), others.end(), zone,
+                       [](const ScanZone& a, const ScanZone& b) { return a.from < b.from; });
+  others.insert(place, zone);
+  if (others.size() < memory.pruneAt) return;
+  // What lies before the block under way is not asked for again.
+  others.erase(std::remove_if(others.begin(), others.end(),
+                              [this](const ScanZone& old) { return old.clear < m_block; }),
+               others.end());
+  if (others.size() > kManyZones) others.clear();
+  memory.pruneAt = std::max(kFewZones, 2 * others.size());
+}
+
+/// As Search, for entangled records: whether a sub-record matches depends on how many were tried
+/// before, so none may be left out.
+const char* ProgramMatcher::SearchEverywhere(const FieldOp& scan, const char* from,
+                                             const char* last) {
+  for (; from <= last; ++from) {
+    if (MatchesHere(*(&scan + 1), from)) return from;
+  }
+  return nullptr;
+}
+
+const char* ProgramMatcher::MatchScan(const FieldOp& scan, const char* at) {
   if (scan.search == ScanSearch::Never) return nullptr;
   // One character more than the limit can be skipped: it is tested before each read.
   const char* last = m_end;
   if (scan.length >= 1 && m_end - at > std::ptrdiff_t{scan.length} + 1) last = at + scan.length + 1;
-  if (!remember) return Search(scan, at, last);
-  ScanMemory& known = m_scans[scan.scanSlot];
+  if (m_exact && (&scan + 1)->kind == FieldKind::SubRecord) return SearchEverywhere(scan, at, last);
   const std::uint32_t position = PositionOf(at);
-  const bool inside = position >= known.from && position <= known.clear;
+  ScanMemory& memory = m_scans[scan.scanSlot];
+  if (!memory.current.Holds(position)) TurnTo(memory, position);
+  ScanZone& known = memory.current;
+  const bool inside = known.Holds(position);
   if (!inside || !known.found) {
     const char* const start = inside ? m_begin + known.clear : at;
     const std::uint32_t from = inside ? known.from : position;
     if (start <= last) {
       const char* const found = Search(scan, start, last);
-      // A nested match may have used the same scan: what is known is written after the search.
       known = {from, PositionOf(found != nullptr ? found : last + 1), found != nullptr};
     }
   }
@@ -260,17 +300,18 @@ void ProgramMatcher::NoteFailedTrial(const FieldOp& next, const char* last) {
 const char* ProgramMatcher::MatchNested(const FieldOp& op, const char* at) {
   if (op.subRecord == CTNParsedLayout::kNoRecord || !m_nesting.Enter()) return nullptr;
   const std::uint32_t position = PositionOf(at);
+  Failure& failure = m_failures[op.subRecord];
+  // What failed here fails again. Of a record with sub-records that is known only while nothing
+  // else was tried: its sub-records' last attempts are then still those inside it.
+  const bool nests = m_program.GetRecord(op.subRecord).nests;
+  const bool known =
+      failure.position == position && (!nests || failure.sequence == m_sequence) && !m_exact;
   m_attempts[op.subRecord] = {m_block, m_parent, position, ++m_sequence};
-  // What failed here once fails again, unless its outcome depends on how deep it is nested.
-  const bool settled = !m_program.GetRecord(op.subRecord).reachesCircle;
-  const char* end = nullptr;
-  if (!settled || m_failedAt[op.subRecord] != position) {
-    const std::size_t pending = m_pending;
-    end = MatchRecord(op.subRecord, at);
-    if (end == nullptr) {
-      m_pending = pending;
-      m_failedAt[op.subRecord] = position;
-    }
+  const std::size_t pending = m_pending;
+  const char* const end = known ? nullptr : MatchRecord(op.subRecord, at);
+  if (end == nullptr) {
+    m_pending = pending;
+    failure = {m_exact ? kFailed : position, m_sequence};
   }
   m_nesting.Leave();
   return end;

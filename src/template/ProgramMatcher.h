@@ -36,10 +36,26 @@ class ProgramMatcher {
  private:
   /// What is known of a scan: behind `from` nothing matches before `clear`, where it was found that
   /// the next field does match (`found`) or up to where the text was searched.
-  struct ScanMemory {
+  struct ScanZone {
     std::uint32_t from = 1;
     std::uint32_t clear = 0;
     bool found = false;
+    bool Holds(std::uint32_t position) const { return position >= from && position <= clear; }
+  };
+  /// A record that is tried here and far ahead in turns must not search the way in between each
+  /// time, so zones that lie ahead are kept.
+  struct ScanMemory {
+    ScanZone current;
+    std::vector<ScanZone> others;  // By `from`.
+    std::size_t pruneAt = kFewZones;
+  };
+  static constexpr std::size_t kFewZones = 64;
+  static constexpr std::size_t kManyZones = 4096;
+
+  /// Where a record last failed inside another one, and the count of attempts then.
+  struct Failure {
+    std::uint32_t position = kFailed;
+    std::uint64_t sequence = 0;
   };
 
   const char* MatchRecord(std::uint32_t record, const char* at);
@@ -47,8 +63,11 @@ class ProgramMatcher {
   const char* MatchString(const FieldOp& op, const char* at) const;
   const char* MatchNumber(const FieldOp& op, const char* at) const;
   const char* CheckValues(const FieldOp& op, const char* at, const char* end) const;
-  const char* MatchScan(const FieldOp& scan, const char* at, bool remember);
+  const char* MatchScan(const FieldOp& scan, const char* at);
   const char* Search(const FieldOp& scan, const char* from, const char* last);
+  const char* SearchEverywhere(const FieldOp& scan, const char* from, const char* last);
+  void TurnTo(ScanMemory& memory, std::uint32_t position) const;
+  void Keep(ScanMemory& memory, const ScanZone& zone) const;
   void NoteFailedTrial(const FieldOp& next, const char* last);
   bool MatchesHere(const FieldOp& next, const char* at);
   const char* MatchNested(const FieldOp& op, const char* at);
@@ -65,9 +84,10 @@ class ProgramMatcher {
   std::size_t m_pending = 0;   // Element bytes written and not taken.
   std::uint32_t m_block = 0;   // Where the block under way starts,
   std::uint32_t m_parent = 0;  // and the record that is tried there.
-  NestingState m_nesting;
+  bool m_exact = false;        // Every attempt counts: see MatchScan.
+  NestingState m_nesting{NestingState::Kind::Plain};
   std::vector<ScanMemory> m_scans;
-  std::vector<std::uint32_t> m_failedAt;  // By record: where it last failed inside another one.
+  std::vector<Failure> m_failures;  // By record.
   std::vector<NestedAttempt> m_attempts;
   std::uint64_t m_sequence = 0;
 };

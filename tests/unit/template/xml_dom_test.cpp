@@ -323,7 +323,7 @@ class XmlFileTest : public XmlDomTest {
   ~XmlFileTest() override { std::filesystem::remove_all(m_folder); }
 
   std::string Write(const std::string& name, std::string_view bytes) {
-    const std::string path = (m_folder / name).string();
+    std::string path = (m_folder / name).string();
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
   }

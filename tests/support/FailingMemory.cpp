@@ -1,0 +1,42 @@
+#include "tests/support/FailingMemory.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr std::int64_t kNever = -1;
+thread_local std::int64_t s_granted = kNever;
+
+void* Allocate(std::size_t size) noexcept {
+  if (s_granted >= 0 && s_granted-- == 0) return nullptr;
+  return std::malloc(size != 0 ? size : 1);
+}
+
+void* AllocateOrThrow(std::size_t size) {
+  void* const memory = Allocate(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return AllocateOrThrow(size); }
+void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+
+namespace bomparser::test {
+
+FailingMemory::FailingMemory(std::int64_t granted) { s_granted = granted; }
+FailingMemory::~FailingMemory() { s_granted = kNever; }
+bool FailingMemory::HasFailed() const { return s_granted == kNever; }
+
+}  // namespace bomparser::test

@@ -1,0 +1,355 @@
+#include "entry/CTNFileParserEngine.h"
+#include "tests/support/EngineTest.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace bomparser {
+namespace {
+
+using namespace test;
+using Texts = std::vector<std::string>;
+
+class EngineTest : public EngineTestIn<TestFolder> {};
+
+TEST_F(EngineTest, ANewEngineHasAnEmptyTemplateAndNoFile) {
+  EXPECT_TRUE(engine.IsValid());
+  ASSERT_NE(engine.GetTemplate(), nullptr);
+  ASSERT_NE(engine.GetInputFile(), nullptr);
+  EXPECT_TRUE(Document().IsEmptyTemplate());
+  EXPECT_EQ(Document().GetContext(), &engine);
+  EXPECT_FALSE(engine.IsTemplateModified());
+  EXPECT_FALSE(InFile().IsOpen());
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_TRUE(engine.AreResultsStale());
+  EXPECT_EQ(engine.GetTabStop(), 8);
+  EXPECT_EQ(engine.GetAutoApplicationFlags(), 1023u);
+  EXPECT_EQ(engine.GetTemplateSearchPath(), "");
+  EXPECT_EQ(engine.GetProfileSection(), "");
+  EXPECT_EQ(engine.GetStats().totalBlocks, 0u);
+}
+
+TEST_F(EngineTest, SettingsAreKept) {
+  engine.SetTabStop(4);
+  engine.SetTemplateSearchPath("/a");
+  engine.SetProfileSection("section");
+  engine.SetAutoApplicationFlags(5);
+  EXPECT_EQ(engine.GetTabStop(), 4);
+  EXPECT_EQ(engine.GetTemplateSearchPath(), "/a");
+  EXPECT_EQ(engine.GetProfileSection(), "section");
+  EXPECT_EQ(engine.GetAutoApplicationFlags(), 5u);
+}
+
+TEST_F(EngineTest, AllEditKindsTogetherAreTheDefault) {
+  EXPECT_EQ(kRecordsAdded | kRecordsDeleted | kRecordsModified | kInputFieldsAdded |
+                kInputFieldsDeleted | kInputFieldsModified | kOutputElementsAdded |
+                kOutputElementsDeleted | kOutputElementsModified | kParametersChanged,
+            kAllEdits);
+}
+
+// ------------------------------------------------------------------------------- input file
+
+TEST_F(EngineTest, AnEmptyInputPathIsReportedAtOnce) {
+  std::string error;
+  EXPECT_FALSE(engine.OpenInputFile("", error));
+  EXPECT_EQ(error, "No input file specified");
+  EXPECT_EQ(Log(), Texts{"No input file specified"});
+  EXPECT_EQ(frontEnd.errors, Texts{"No input file specified"});
+}
+
+TEST_F(EngineTest, AMissingInputFileIsToldTheCallerOnly) {
+  std::string error;
+  EXPECT_FALSE(engine.OpenInputFile(PathOf("missing"), error));
+  EXPECT_NE(error, "");
+  EXPECT_FALSE(InFile().IsOpen());
+  EXPECT_EQ(Log(), Texts{});
+}
+
+TEST_F(EngineTest, OpeningAnotherFileClosesTheOneThatIsOpen) {
+  Load(TemplateFor("a|b"));
+  Open("a\n", "one.txt");
+  Open("b\n", "two.txt");
+  EXPECT_EQ(InFile().GetFilePath(), PathOf("two.txt"));
+  EXPECT_EQ(Apply(), "ok");
+  EXPECT_EQ(List(), ListOfWords({"b"}));
+}
+
+TEST_F(EngineTest, AFileThatCannotBeOpenedLeavesNoneOpen) {
+  Open("a\n");
+  std::string error;
+  EXPECT_FALSE(engine.OpenInputFile(PathOf("missing"), error));
+  EXPECT_FALSE(InFile().IsOpen());
+}
+
+TEST_F(EngineTest, ClosingAFileThatIsNotOpenSucceeds) {
+  EXPECT_TRUE(engine.CloseInputFile());
+  Open("a\n");
+  EXPECT_TRUE(InFile().IsOpen());
+  EXPECT_TRUE(engine.CloseInputFile());
+  EXPECT_FALSE(InFile().IsOpen());
+}
+
+// ------------------------------------------------------------------------------- applying
+
+TEST_F(EngineTest, ApplyingSetsTheFlagsAndTheCounts) {
+  Load(TemplateFor("a|b"));
+  Open("a\nx\nb\n");
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(Apply(), "ok");
+  EXPECT_EQ(Flags(), "applied");
+  EXPECT_FALSE(engine.AreResultsStale());
+  const ApplicationStats stats = engine.GetStats();
+  EXPECT_EQ(stats.totalBlocks, 3u);
+  EXPECT_EQ(stats.unmatchedBlocks, 1u);
+  EXPECT_EQ(stats.entityBlocks, 2u);
+  EXPECT_EQ(List(), ListOfWords({"a", "b"}));
+}
+
+TEST_F(EngineTest, ApplyingWithoutAFileFails) {
+  Load(TemplateFor("a"));
+  EXPECT_EQ(Apply(), "Input file not opened for read");
+  EXPECT_EQ(Flags(), "stale");
+}
+
+TEST_F(EngineTest, ProgressIsShownOnlyWhenAskedFor) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  EXPECT_EQ(Apply(ShowProgress::No), "ok");
+  EXPECT_EQ(frontEnd.captions, Texts{});
+  EXPECT_EQ(Apply(ShowProgress::Yes), "ok");
+  EXPECT_EQ(frontEnd.captions, Texts{"Scanning input.txt -- Progress: "});
+  EXPECT_EQ(frontEnd.progress.texts, (Texts{"Preparing for Template Application ...",
+                                            "Applying Template File template.xml..."}));
+}
+
+TEST_F(EngineTest, TheEmptyTemplateOnlyReadsTheFile) {
+  Open("a\n");
+  EXPECT_EQ(Apply(ShowProgress::Yes), "ok");
+  EXPECT_EQ(frontEnd.progress.texts,
+            (Texts{"Preparing for Template Application ...", "Reading File..."}));
+}
+
+TEST_F(EngineTest, AnEngineWithoutAFrontEndAppliesAsWell) {
+  CTNFileParserEngine alone;
+  WriteFile("t.xml", TemplateFor("a"));
+  WriteFile("i.txt", "a\n");
+  std::string error;
+  bool cancelled = false;
+  ASSERT_TRUE(alone.LoadTemplate(PathOf("t.xml")));
+  ASSERT_TRUE(alone.OpenInputFile(PathOf("i.txt"), error)) << error;
+  EXPECT_TRUE(alone.ApplyTemplate(error, cancelled, ShowProgress::Yes)) << error;
+  EXPECT_EQ(alone.GetStats().entityBlocks, 1u);
+  EXPECT_FALSE(alone.OpenInputFile("", error));
+  EXPECT_EQ(error, "No input file specified");
+}
+
+TEST_F(EngineTest, ACancelledApplicationLeavesResultsFlagsAndSideCopyAsTheyWere) {
+  Load(TemplateFor("a"));
+  Open("a\nb\n");
+  ASSERT_EQ(Apply(), "ok");
+  const std::string copy = SideCopy();
+  WriteFile("input.txt", "a\na\na\n");
+  frontEnd.progress.cancelAtStep = 1;
+  EXPECT_EQ(Apply(ShowProgress::Yes), "Operation cancelled (cancelled)");
+  EXPECT_EQ(Flags(), "applied");
+  EXPECT_EQ(List(), ListOfWords({"a"}));
+  EXPECT_EQ(SideCopy(), copy);
+}
+
+// ------------------------------------------------------------------------------- side copy
+
+TEST_F(EngineTest, EverySuccessfulApplicationWritesACopyOfTheListNamedAfterTheInputFile) {
+  Load(TemplateFor("a"));
+  Open("a\n", "list.of.parts.txt");
+  std::string path;
+  std::string error;
+  ASSERT_TRUE(engine.GetSideCopyPath(path, error)) << error;
+  EXPECT_EQ(std::filesystem::path(path).filename(), "list.xml") << "up to the first dot";
+  EXPECT_EQ(SideCopy(), "(none)");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(SideCopy(), ListOfWords({"a"}));
+  WriteFile("list.of.parts.txt", "a\na\n");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(SideCopy(), ListOfWords({"a", "a"}));
+}
+
+TEST_F(EngineTest, TheFolderOfTheCopyIsClosedToOthersAndGoesWithTheEngine) {
+  std::string path;
+  std::string error;
+  {
+    CTNFileParserEngine other;
+    ASSERT_TRUE(other.GetSideCopyPath(path, error)) << error;
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
+    std::string own;
+    ASSERT_TRUE(engine.GetSideCopyPath(own, error));
+    EXPECT_NE(std::filesystem::path(own).parent_path(), folder) << "each engine has its own";
+  }
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(path).parent_path()));
+}
+
+TEST_F(EngineTest, TheCopyNeverTouchesOutputDone) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(Flags(), "applied");
+  EXPECT_EQ(InFile().GetOutputPath(), "");
+  InFile().SetOutputDone(true);
+  InFile().SetOutputPath("/before");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(Flags(), "applied done");
+  EXPECT_EQ(InFile().GetOutputPath(), "/before");
+}
+
+TEST_F(EngineTest, AFailedApplicationWritesNoCopy) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  const std::string copy = SideCopy();
+  Document().AddRecord(RecordKind::MultipleMatch, "takes nothing")->Validate();
+  EXPECT_EQ(Apply(),
+            "Internal error while parsing input file. File pointer was\nset backward or not "
+            "advanced after read operation: Prev position = 0, current position = 0");
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(SideCopy(), copy);
+}
+
+TEST_F(EngineTest, TheCopyCanBeSwitchedOff) {
+  engine.SetSideCopy(SideCopy::No);
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(EngineTestIn::SideCopy(), "(none)");
+}
+
+TEST_F(EngineTest, AnApplicationSucceedsAlthoughItsCopyCannotBeWritten) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  std::string path;
+  std::string error;
+  ASSERT_TRUE(engine.GetSideCopyPath(path, error)) << error;
+  std::filesystem::remove(std::filesystem::path(path).parent_path());
+  EXPECT_EQ(Apply(), "ok");
+  EXPECT_EQ(Log(), Texts{});
+  EXPECT_EQ(frontEnd.errors, Texts{});
+}
+
+// ------------------------------------------------------------------------------- edits
+
+TEST_F(EngineTest, AnEditMarksTheTemplateModifiedAndTheResultsStale) {
+  engine.SetAutoApplicationFlags(0);
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  engine.OnTemplateChanged(ChangeKind::Modified, kRecordsModified);
+  EXPECT_TRUE(engine.IsTemplateModified());
+  EXPECT_EQ(Flags(), "applied stale");
+}
+
+TEST_F(EngineTest, NoChangeClearsTheModifiedFlagAndAppliesNothing) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  WriteFile("input.txt", "a\na\n");
+  Document().SetModified(ChangeKind::Modified);
+  engine.OnTemplateChanged(ChangeKind::None, kAllEdits);
+  EXPECT_FALSE(engine.IsTemplateModified());
+  EXPECT_EQ(Flags(), "applied stale");
+  EXPECT_EQ(engine.GetStats().totalBlocks, 1u);
+}
+
+TEST_F(EngineTest, AnEditAppliesTheTemplateAtOnceWhenTheSettingsAskForIt) {
+  Load(TemplateFor("a"));
+  Open("a\nb\n");
+  for (std::uint32_t setting = 1; setting < 1024; setting *= 2) {
+    for (std::uint32_t edit = 1; edit < 1024; edit *= 2) {
+      ASSERT_EQ(Apply(), "ok");
+      engine.SetAutoApplicationFlags(setting);
+      engine.OnTemplateChanged(ChangeKind::Modified, edit);
+      EXPECT_EQ(Flags(), setting == edit ? "applied" : "applied stale") << setting << ' ' << edit;
+    }
+  }
+  EXPECT_EQ(frontEnd.captions, Texts{}) << "no progress window";
+}
+
+TEST_F(EngineTest, TheEditShowsInTheResultsAndInTheSideCopy) {
+  Load(TemplateFor("a"));
+  Open("a\nb\n");
+  ASSERT_EQ(Apply(), "ok");
+  FieldOf(RecordOf(Document(), "E1"), 1).SetMatchValueText("a|b");
+  engine.OnTemplateChanged(ChangeKind::Modified, kInputFieldsModified);
+  EXPECT_EQ(List(), ListOfWords({"a", "b"}));
+  EXPECT_EQ(SideCopy(), ListOfWords({"a", "b"}));
+}
+
+TEST_F(EngineTest, AnEditAppliesNothingBeforeTheFirstApplication) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  engine.OnTemplateChanged(ChangeKind::Modified, kAllEdits);
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(engine.GetStats().totalBlocks, 0u);
+}
+
+TEST_F(EngineTest, DeletingARecordWhileResultsAreShownIsSafe) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  Document().DeleteRecord(Document().FindRecordByID("E1"));
+  engine.OnTemplateChanged(ChangeKind::Modified, kRecordsDeleted);
+  EXPECT_EQ(List(), "<TN_FILEPARSER_ENTITIES></TN_FILEPARSER_ENTITIES>");
+  EXPECT_EQ(engine.GetStats().unmatchedBlocks, 1u);
+}
+
+TEST_F(EngineTest, ANewTemplateMakesTheResultsStaleAndKeepsThem) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  Document().GetErrorLog().AddMessage("old");
+  engine.NewTemplate();
+  EXPECT_EQ(Flags(), "applied stale");
+  EXPECT_EQ(Document().GetFilePath(), "unsaved");
+  EXPECT_TRUE(Document().IsEmptyTemplate());
+  EXPECT_FALSE(engine.IsTemplateModified());
+  EXPECT_EQ(Log(), Texts{});
+  EXPECT_EQ(engine.GetStats().totalBlocks, 1u);
+  EXPECT_EQ(List(), "<TN_FILEPARSER_ENTITIES>\?\?</TN_FILEPARSER_ENTITIES>");
+}
+
+// ------------------------------------------------------------------------------- errors
+
+TEST_F(EngineTest, OnlyErrorsThatAreToBeShownAtOnceReachTheFrontEndAllReachTheLog) {
+  EXPECT_TRUE(engine.ReportError("later", ErrorShown::Later));
+  EXPECT_TRUE(engine.ReportError("now", ErrorShown::AtOnce));
+  EXPECT_EQ(Log(), (Texts{"later", "now"}));
+  EXPECT_EQ(frontEnd.errors, Texts{"now"});
+}
+
+class EngineLocaleTest : public EngineTestIn<CommaLocaleTest> {};
+
+TEST_F(EngineLocaleTest, TheSameTemplateGivesTheSameListUnderAnyLocale) {
+  CTNParserTemplate document(nullptr);
+  document.SetScaleFactor(25.4);
+  AddRecord(document, RecordKind::Part, "part",
+            {Alnum(), Space(), DecimalNum(), Space(), WholeNum(), Newline()},
+            {Designator("F1"),
+             PartNumber("F5"),
+             {OutputTag::XLocation, "F3 1,5 12345"},
+             {OutputTag::Scale, ""}});
+  Load(XmlText(document));
+  EXPECT_EQ(Document().GetScaleFactor(), 25.4);
+  Open("R1 -1.25 1000\nR2 0,5 2000\n");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(List(),
+            "<TN_FILEPARSER_ENTITIES><ENTITY>Part<REF_DESIGNATOR>R1</REF_DESIGNATOR>"
+            "<PART_NUMBER>1000</PART_NUMBER><X_LOCATION>-1.251,512345</X_LOCATION>"
+            "<SCALE>25.400000</SCALE></ENTITY><ENTITY>Part<REF_DESIGNATOR>R2</REF_DESIGNATOR>"
+            "<PART_NUMBER>2000</PART_NUMBER><X_LOCATION>0,51,512345</X_LOCATION>"
+            "<SCALE>25.400000</SCALE></ENTITY></TN_FILEPARSER_ENTITIES>");
+  ASSERT_TRUE(engine.SaveTemplate(PathOf("saved.xml")));
+  EXPECT_EQ(BytesOf("saved.xml"), BytesOf("template.xml"));
+}
+
+}  // namespace
+}  // namespace bomparser

@@ -1,0 +1,93 @@
+// The matcher at speed and the plain one, which defines what matching means, give the same.
+
+#include "tests/support/Application.h"
+#include "tests/support/RandomMatch.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+
+namespace bomparser::test {
+namespace {
+
+/// How many templates a test makes; more for a long run by hand.
+std::uint32_t TemplateCount(std::uint32_t usual) {
+  const char* const wanted = std::getenv("BOMPARSER_MATCH_TEMPLATES");
+  return wanted != nullptr ? static_cast<std::uint32_t>(std::atol(wanted)) : usual;
+}
+
+/// Compares `count` random templates, each on some random texts; stops at the first that differs.
+void CompareMatchers(std::uint32_t firstSeed, std::uint32_t count, Circles circles,
+                     std::uint32_t textSize) {
+  constexpr std::uint32_t kTexts = 6;
+  for (std::uint32_t seed = firstSeed; seed < firstSeed + count; ++seed) {
+    SeededChooser choose(seed);
+    CTNParserTemplate document(nullptr);
+    MakeRandomTemplate(choose, document, circles);
+    for (std::uint32_t i = 0; i < kTexts; ++i) {
+      const std::string text = MakeRandomText(choose, document, textSize);
+      if (FindDifference(document, text).empty()) continue;
+      FAIL() << "seed " << seed << '\n' << ExplainDifference(document, text);
+    }
+  }
+}
+
+TEST(MatchDifferential, RandomTemplatesGiveTheSameOnShortTexts) {
+  CompareMatchers(1, TemplateCount(2000), Circles::No, 24);
+}
+
+TEST(MatchDifferential, RandomTemplatesGiveTheSameOnLongerTexts) {
+  CompareMatchers(1'000'001, TemplateCount(400), Circles::No, 160);
+}
+
+/// True for a block with a sub-record that begins with a sub-record.
+bool HasThreeLevels(const std::string& block) {
+  for (std::size_t at = block.find("=A"); at != std::string::npos; at = block.find("=A", at + 1)) {
+    if (block.compare(at + 3, 2, "{F") == 0 && block.compare(at + 6, 2, "=A") == 0) return true;
+  }
+  return false;
+}
+
+/// What the blocks of random applications show of interesting things.
+std::map<std::string, int> CountFindings(std::uint32_t templates) {
+  std::map<std::string, int> found;
+  for (std::uint32_t seed = 1; seed <= templates; ++seed) {
+    SeededChooser choose(seed);
+    CTNParserTemplate document(nullptr);
+    MakeRandomTemplate(choose, document, Circles::No);
+    const Application application = ApplyToText(document, MakeRandomText(choose, document, 24));
+    for (const std::string& block : application.Readable()) {
+      if (block.starts_with("E")) ++found["entity"];
+      if (block.starts_with("A")) ++found["auxiliary"];
+      if (block.starts_with("?")) ++found["unmatched"];
+      if (block.find("=A") != std::string::npos) ++found["sub-record"];
+      if (block.find("=E") != std::string::npos) ++found["entity as sub-record"];
+      if (block.find("=A", block.find("=A") + 1) != std::string::npos) ++found["two sub-records"];
+      if (HasThreeLevels(block)) ++found["three levels"];
+    }
+    for (const auto& record : document.GetAuxiliaryRecords()) {
+      if (record->GetSingleMatchBlock() != nullptr) ++found["single match"];
+    }
+    if (!application.done) ++found["given up"];
+    if (EntityListOf(application).find("x") != std::string::npos) ++found["entity with literal"];
+  }
+  return found;
+}
+
+TEST(MatchDifferential, RecordsThatContainEachOtherGiveTheSame) {
+  CompareMatchers(2'000'001, TemplateCount(200), Circles::Some, 12);
+}
+
+TEST(MatchDifferential, RandomTemplatesAreNotBlunt) {
+  const std::map<std::string, int> found = CountFindings(3000);
+  for (const char* what :
+       {"entity", "auxiliary", "unmatched", "sub-record", "entity as sub-record", "two sub-records",
+        "three levels", "single match", "given up", "entity with literal"}) {
+    const auto count = found.find(what);
+    EXPECT_GE(count == found.end() ? 0 : count->second, 20) << what;
+  }
+}
+
+}  // namespace
+}  // namespace bomparser::test
