@@ -1,0 +1,77 @@
+#include "cli/FindCommand.h"
+
+#include "cli/Messages.h"
+#include "cli/OutputFile.h"
+#include "cli/Session.h"
+#include "cli/StatsLine.h"
+#include "input/MessageTexts.h"
+#include "tnbase/NumberText.h"
+#include "tnbase/TNPath.h"
+
+namespace bomparser {
+
+namespace {
+
+constexpr int kPercentDecimals = 2;
+
+/// The report of the dialog's Find Template.
+std::string FoundText(const CTNFileParserEngine& engine) {
+  const CTNParserTemplate& document = *engine.GetTemplate();
+  const ApplicationStats stats = engine.GetStats();
+  return FormatNumberedMessage(
+      Msg::TemplateFound,
+      {TNGetFNameFromPath(document.GetFilePath()), document.GetTitle(), stats.MatchedBlocks(),
+       stats.ParseableBlocks(), FormatFixed(stats.MatchPercent(), kPercentDecimals)});
+}
+
+ExitStatus Search(CTNFileParserEngine& engine, const std::string& input) {
+  std::string error;
+  bool cancelled = false;
+  if (!engine.OpenInputFile(input, error)) return TellFailure(input, error);
+  const bool found = engine.FindTemplate(error, cancelled, ShowProgress::Yes);
+  if (IsInterrupted()) return ExitStatus::Interrupted;
+  if (!found) {
+    PrintLine(error.empty() ? GetMessageText(Msg::UnspecifiedFindError) : error);
+    return ExitStatus::Failed;
+  }
+  // A template that failed ended the search; the best one before it still stands.
+  if (!error.empty()) PrintMessage(InputFailureText(input, error));
+  if (engine.GetInputFile()->IsApplied()) return ExitStatus::Done;
+  return TellFailure(input, "the best template, " + engine.GetTemplate()->GetFilePath() +
+                                ", could not be applied again");
+}
+
+ExitStatus PrintPath(const std::string& path) {
+  std::string error;
+  OutputFile out;
+  const bool printed = out.Open(std::string(kStandardStreamPath), error) &&
+                       out.Write(path + '\n', error) && out.Commit(error);
+  return printed ? ExitStatus::Done : TellFailure({}, error);
+}
+
+ExitStatus WriteResults(Session& session, const Options& options) {
+  const std::string& input = options.inputs.front();
+  if (options.output) {
+    const ExitStatus status = session.WriteEntityList(input, *options.output);
+    if (status != ExitStatus::Done) return status;
+  }
+  StatsReport stats(options.statsFile);
+  stats.Add(input, session.GetEngine().GetStats());
+  std::string error;
+  if (!stats.Finish(error)) return TellFailure({}, error);
+  return PrintPath(session.GetEngine().GetTemplate()->GetFilePath());
+}
+
+}  // namespace
+
+ExitStatus RunFind(const Options& options) {
+  Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
+  session.GetEngine().SetTemplateSearchPath(options.searchFolder);
+  const ExitStatus status = Search(session.GetEngine(), options.inputs.front());
+  if (status != ExitStatus::Done) return status;
+  PrintLine(FoundText(session.GetEngine()));
+  WarnOfInvalidRecords(session.GetEngine());
+  return WriteResults(session, options);
+}
+
+}  // namespace bomparser

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace bomparser {
+
+class CTNFileParserEngine;
+
+/// Writes "bomparser: TEXT" to standard error.
+void PrintMessage(std::string_view text);
+/// Writes the text as it stands, and a line end, to standard error.
+void PrintLine(std::string_view text);
+/// The message of what went wrong with an input, the input named once.
+std::string InputFailureText(std::string_view input, std::string_view text);
+/// One line for every line of the template's error log.
+void PrintErrorLog(const CTNFileParserEngine& engine);
+/// One line for every invalid record of the template: it never matches. Auxiliary records first.
+void WarnOfInvalidRecords(const CTNFileParserEngine& engine);
+
+}  // namespace bomparser

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "cli/ExitStatus.h"
+#include "cli/Options.h"
+
+namespace bomparser {
+
+ExitStatus RunShow(const Options& options);
+
+}  // namespace bomparser

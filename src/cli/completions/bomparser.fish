@@ -1,0 +1,42 @@
+# Completion for fish. Install in a folder of $fish_complete_path.
+
+complete -c bomparser -n __fish_use_subcommand -l template -r -d 'load this template into the dialog'
+complete -c bomparser -n __fish_use_subcommand -l input -r -d 'open this input file in the dialog'
+complete -c bomparser -n __fish_use_subcommand -l help -d 'print help'
+complete -c bomparser -n __fish_use_subcommand -l version -d 'print the version'
+complete -c bomparser -n __fish_use_subcommand -f -a apply -d 'apply a template to input files'
+complete -c bomparser -n __fish_use_subcommand -f -a find -d 'find the best template of a folder'
+complete -c bomparser -n __fish_use_subcommand -f -a show -d 'show which record each line belongs to'
+complete -c bomparser -n __fish_use_subcommand -f -a check -d 'check templates'
+complete -c bomparser -n __fish_use_subcommand -f -a learn -d 'make a record from sample lines'
+
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -s t -r -d 'the parser template'
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -s o -r -d 'where the list goes'
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -l stats -r -d 'write the counts as JSON'
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -l side-copy -d 'also make the copy of the list'
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -l threads -x -d 'how many threads work'
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -l keep-going -d 'go on when an input fails'
+complete -c bomparser -n '__fish_seen_subcommand_from apply' -l help -d 'print help'
+
+complete -c bomparser -n '__fish_seen_subcommand_from find' -s s -x -a '(__fish_complete_directories)'
+complete -c bomparser -n '__fish_seen_subcommand_from find' -s o -r -d 'write the entity list here'
+complete -c bomparser -n '__fish_seen_subcommand_from find' -l stats -r -d 'write the counts as JSON'
+complete -c bomparser -n '__fish_seen_subcommand_from find' -l side-copy -d 'also make the copy of the list'
+complete -c bomparser -n '__fish_seen_subcommand_from find' -l threads -x -d 'how many threads work'
+complete -c bomparser -n '__fish_seen_subcommand_from find' -l help -d 'print help'
+
+complete -c bomparser -n '__fish_seen_subcommand_from show' -s t -r -d 'the parser template'
+complete -c bomparser -n '__fish_seen_subcommand_from show' -l markup -d 'name record and field'
+complete -c bomparser -n '__fish_seen_subcommand_from show' -l newlines -d 'mark line ends'
+complete -c bomparser -n '__fish_seen_subcommand_from show' -l tab-stop -x -d 'columns between tab stops'
+complete -c bomparser -n '__fish_seen_subcommand_from show' -l only -x -a 'entity auxiliary unmatched ignored'
+complete -c bomparser -n '__fish_seen_subcommand_from show' -l color -x -a 'auto always never'
+complete -c bomparser -n '__fish_seen_subcommand_from show' -l help -d 'print help'
+
+complete -c bomparser -n '__fish_seen_subcommand_from check' -l help -d 'print help'
+
+complete -c bomparser -n '__fish_seen_subcommand_from learn' -s t -r -d 'the template to add to'
+complete -c bomparser -n '__fish_seen_subcommand_from learn' -l lines -x -d 'learn from these lines'
+complete -c bomparser -n '__fish_seen_subcommand_from learn' -l auxiliary -d 'add an auxiliary record'
+complete -c bomparser -n '__fish_seen_subcommand_from learn' -s o -r -d 'save the template here'
+complete -c bomparser -n '__fish_seen_subcommand_from learn' -l help -d 'print help'
