@@ -120,10 +120,14 @@ std::string CTNIdentifierKeeper::Renamed(const CTNTemplateRecord& record,
     const void* meaning = nullptr;
     const auto scope = dotted != nullptr ? m_fields.find(dotted) : own;
     const CTNTemplateRecord* meant = dotted != nullptr ? nullptr : RecordMeant(token);
+    const bool scopeIsGone = dotted != nullptr && ids.find(dotted) == ids.end();
     dotted = token == "." ? before : nullptr;
     before = nullptr;
     if (scope != m_fields.end() && MeansSomething(scope->second, token, meaning)) {
       renamed += idOf(meaning, written);
+    } else if (scopeIsGone && CTNTemplateRecord::IsAttributeName(token)) {
+      // Alone it would mean the attribute of the expression's own record.
+      renamed += gone;
     } else if (meant != nullptr) {
       before = meant;
       renamed += idOf(meant, written);

@@ -4,8 +4,22 @@
 #include "input/MessageTexts.h"
 #include "template/CTNParserTemplate.h"
 #include "template/CTNTemplateRecord.h"
+#include "template/NestingLimits.h"
 
 namespace bomparser {
+
+namespace {
+
+/// Runs `follow` unless the value has followed too many references already.
+template <class Follow>
+void FollowReference(Follow follow) {
+  ReferenceBudget& budget = ReferenceBudget::OfThisThread();
+  if (!budget.Enter()) return;
+  follow();
+  budget.Leave();
+}
+
+}  // namespace
 
 CTNOutFieldValueElement::CTNOutFieldValueElement(const CTNTemplRecOutField& owner)
     : CTNTemplateArrayElement(owner.GetContext()), m_owner(&owner) {}
@@ -90,7 +104,8 @@ void CTNOutFieldValueElement::AppendValue(std::string& out, const CTNParsedFileB
         GetTarget().AppendValue(out, block, tags);
       } else if (record != nullptr && record->IsSingleMatch() &&
                  record->GetSingleMatchBlock() != nullptr) {
-        record->BuildEntityText(out, *record->GetSingleMatchBlock(), tags);
+        FollowReference(
+            [&] { record->BuildEntityText(out, *record->GetSingleMatchBlock(), tags); });
       }
       break;
     case ValueItemKind::Dot:
@@ -115,9 +130,10 @@ void CTNOutFieldValueElement::AppendOutputSymbol(std::string& out,
       outputElement != nullptr ? outputElement->GetParentRecord() : nullptr;
   if (parent == nullptr) return;
   if (parent->IsSingleMatch() && parent->GetSingleMatchBlock() != nullptr) {
-    outputElement->BuildValueText(out, *parent->GetSingleMatchBlock(), Tags::Off);
+    FollowReference(
+        [&] { outputElement->BuildValueText(out, *parent->GetSingleMatchBlock(), Tags::Off); });
   } else if (parent == OwnRecord()) {
-    outputElement->BuildValueText(out, block, Tags::Off);
+    FollowReference([&] { outputElement->BuildValueText(out, block, Tags::Off); });
   }
 }
 

@@ -3,7 +3,7 @@
 #include "input/CTNParsedFileBlock.h"
 #include "input/MessageTexts.h"
 #include "template/CTNTemplateRecord.h"
-#include "template/NestingLimits.h"
+#include "template/TagSearch.h"
 
 #include <algorithm>
 
@@ -150,23 +150,13 @@ void CTNTemplRecOutField::BuildValueText(std::string& text, const CTNParsedFileB
 }
 
 bool CTNTemplRecOutField::ReferencesTag(OutputTag tag) const {
-  const CircleGuard guard(m_searching);
-  if (guard.IsCircle()) return false;
-  return std::any_of(m_items.begin(), m_items.end(), [tag](const CTNOutFieldValueElement& item) {
-    const CTNOutFieldValueElement& target = item.GetTarget();
-    switch (target.kind) {
-      case ValueItemKind::InputField: {
-        const CTNTemplateRecord* sub = target.inputField->GetSubRecord();
-        return sub != nullptr && sub->HasOutputTag(tag);
-      }
-      case ValueItemKind::OutputSymbol:
-        return target.outputElement->GetTag() == tag || target.outputElement->ReferencesTag(tag);
-      case ValueItemKind::Record:
-        return target.record->HasOutputTag(tag);
-      default:
-        return false;
-    }
-  });
+  const bool refers =
+      std::any_of(m_items.begin(), m_items.end(), [](const CTNOutFieldValueElement& item) {
+        const CTNOutFieldValueElement& target = item.GetTarget();
+        return target.inputField != nullptr || target.outputElement != nullptr ||
+               target.kind == ValueItemKind::Record;
+      });
+  return refers && TagSearch(tag).IsReachedFrom(*this);
 }
 
 bool CTNTemplRecOutField::RefersTo(const CTNTemplRecField* field) const {

@@ -86,7 +86,6 @@ class CTNTemplRecOutField final : public CTNTemplRecField, public CXMLArchive {
   std::unique_ptr<std::string> m_loadedTag;  // Only between reading and SetTagByName.
   std::vector<CTNOutFieldValueElement> m_items;
   bool m_defaultUsed = false;
-  mutable bool m_searching = false;                  // See CircleGuard.
   mutable std::vector<EvaluatedBlock> m_evaluating;  // The blocks it is being evaluated for.
 };
 

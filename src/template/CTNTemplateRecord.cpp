@@ -6,6 +6,7 @@
 #include "template/CTNParserTemplate.h"
 #include "template/Identifiers.h"
 #include "template/RecordsToAsk.h"
+#include "template/TagSearch.h"
 #include "tnbase/CharClass.h"
 
 #include <algorithm>
@@ -13,6 +14,11 @@
 #include <utility>
 
 namespace bomparser {
+
+ReferenceBudget& ReferenceBudget::OfThisThread() {
+  thread_local ReferenceBudget budget;
+  return budget;
+}
 
 namespace {
 
@@ -295,15 +301,7 @@ std::string CTNTemplateRecord::GetRecordId() const {
 
 // ------------------------------------------------------------------------------- output tags
 
-bool CTNTemplateRecord::HasOutputTag(OutputTag tag) const {
-  bool reached = false;
-  for (const auto& element : m_outputFields) {
-    if (element->GetTag() == tag) return true;
-    // Each NONE element's answer replaces the one before; templates rely on the last one counting.
-    if (element->GetTag() == OutputTag::None) reached = element->ReferencesTag(tag);
-  }
-  return reached;
-}
+bool CTNTemplateRecord::HasOutputTag(OutputTag tag) const { return TagSearch(tag).IsIn(*this); }
 
 std::size_t CTNTemplateRecord::CountOutputTag(OutputTag tag) const {
   std::size_t count = 0;
@@ -367,10 +365,14 @@ bool CTNTemplateRecord::BuildEntityText(std::string& text, const CTNParsedFileBl
                                         Tags tags) const {
   if (block.GetMatchedRecord() != this) return false;
   const bool wrapped = !IsAuxiliary() && tags == Tags::On;
+  // A single-match record is part of the value that refers to it; any other is an instance.
+  ReferenceBudget& budget = ReferenceBudget::OfThisThread();
+  const std::uint32_t references = IsSingleMatch() ? 0 : budget.BeginInstance();
   if (wrapped) text.append("<ENTITY>").append(GetTypeName());
   for (const auto& element : m_outputFields)
     element->BuildValueText(text, block, tags);
   if (wrapped) text += "</ENTITY>";
+  if (!IsSingleMatch()) budget.EndInstance(references);
   return true;
 }
 

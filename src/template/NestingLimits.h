@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace bomparser {
 
@@ -60,21 +61,33 @@ class NestingState {
 /// counted, and it is the last.
 constexpr bool EndsRepetition(std::uint32_t before, std::uint32_t after) { return before == after; }
 
-/// Marks an object as being visited while the guard lives. For questions that follow references
-/// from element to element or record to record: whoever finds the mark set has come in a circle.
-class CircleGuard {
+/// Output elements can name each other in long chains, and in so many ways that a value would never
+/// end. A reference to another element or record adds nothing when it lies behind this many others,
+/// or comes after so many within one value (each instance of a sub-record counts anew).
+constexpr int kMaxReferenceDepth = 200;
+constexpr std::uint32_t kMaxReferences = 10'000;
+
+/// How far the references of the value that is being put together have gone.
+class ReferenceBudget {
  public:
-  explicit CircleGuard(bool& mark) : m_mark(mark), m_entered(!mark) { m_mark = true; }
-  ~CircleGuard() {
-    if (m_entered) m_mark = false;
+  /// False when the reference must not be followed.
+  bool Enter() {
+    if (m_depth == 0) m_references = 0;
+    if (m_depth >= kMaxReferenceDepth || m_references >= kMaxReferences) return false;
+    ++m_depth;
+    ++m_references;
+    return true;
   }
-  CircleGuard(const CircleGuard&) = delete;
-  CircleGuard& operator=(const CircleGuard&) = delete;
-  bool IsCircle() const { return !m_entered; }
+  void Leave() { --m_depth; }
+  /// Starts to count anew, for an instance of a sub-record; what is returned goes to EndInstance.
+  std::uint32_t BeginInstance() { return std::exchange(m_references, 0); }
+  void EndInstance(std::uint32_t references) { m_references = references; }
+  /// The one of the values that this thread evaluates for blocks.
+  static ReferenceBudget& OfThisThread();
 
  private:
-  bool& m_mark;
-  bool m_entered;
+  int m_depth = 0;
+  std::uint32_t m_references = 0;
 };
 
 }  // namespace bomparser

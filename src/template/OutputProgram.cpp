@@ -2,6 +2,7 @@
 
 #include "input/CTNParsedFileBlock.h"
 #include "template/CTNTemplateRecord.h"
+#include "template/NestingLimits.h"
 
 #include <algorithm>
 #include <cstring>
@@ -104,7 +105,9 @@ class OutputProgram::Compiler {
       AddField(*item.inputField, tags);
     } else if (item.kind == ValueItemKind::OutputSymbol &&
                item.outputElement->GetParentRecord() == &own && !own.IsSingleMatch()) {
+      if (!m_references.Enter()) return;
       AddElement(*item.outputElement, Tags::Off);
+      m_references.Leave();
     } else {
       // All others have the same value for every block.
       std::string constant;
@@ -122,7 +125,9 @@ class OutputProgram::Compiler {
     const std::uint32_t sub = m_layout.Records()[m_record].fields[index].subRecord;
     if (sub == CTNParsedLayout::kNoRecord) return;
     std::vector<const CTNTemplRecOutField*> open = std::exchange(m_open, {});
+    const std::uint32_t references = m_references.BeginInstance();
     m_ops.push_back({OpKind::SubRecords, FieldKind::SubRecord, index, Compile(sub, tags)});
+    m_references.EndInstance(references);
     m_open = std::move(open);
   }
 
@@ -133,6 +138,7 @@ class OutputProgram::Compiler {
   std::uint32_t m_record = 0;  // The record being compiled, and
   std::vector<Op> m_ops;       // its program so far.
   std::vector<const CTNTemplRecOutField*> m_open;
+  ReferenceBudget m_references;
 };
 
 OutputProgram::OutputProgram(const CTNParsedResult& result)

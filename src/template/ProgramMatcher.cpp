@@ -127,7 +127,8 @@ inline const char* ProgramMatcher::MatchField(const FieldOp& op, const char* at)
     case FieldKind::String:
       return MatchString(op, at);
     case FieldKind::Column:
-      if (m_end - at < op.length || Find(at, at + op.length, '\n') != at + op.length) {
+      if (op.length < 0 || m_end - at < op.length ||
+          Find(at, at + op.length, '\n') != at + op.length) {
         return nullptr;
       }
       return at + op.length;

@@ -1,0 +1,91 @@
+#include "template/TagSearch.h"
+#include "tests/support/Application.h"
+#include "tests/support/TemplateBuilder.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace bomparser::test {
+namespace {
+
+class TagSearchTest : public testing::Test {
+ protected:
+  /// A Part whose elements 1 to `count` are tagged NONE and say what `expression(i)` gives.
+  template <class Expression>
+  CTNTemplateRecord& PartOf(int count, Expression expression) {
+    CTNTemplateRecord& part = AddRecord(document, RecordKind::Part, "Part", {Alnum(), Newline()});
+    for (int i = 1; i <= count; ++i)
+      AddOutput(part, {OutputTag::None, expression(i)});
+    return part;
+  }
+
+  CTNParserTemplate document{nullptr};
+};
+
+TEST_F(TagSearchTest, ElementsThatAllNameEachOtherAreLookedIntoOnceEach) {
+  constexpr int kCount = 40;
+  CTNTemplateRecord& part = PartOf(kCount, [](int own) {
+    std::string all;
+    for (int i = 1; i <= kCount; ++i) {
+      if (i != own) all += "V" + std::to_string(i) + " ";
+    }
+    return all;
+  });
+  part.Validate();
+  EXPECT_FALSE(part.HasOutputTag(OutputTag::RefDesignator));
+  EXPECT_EQ(part.CountOutputTag(OutputTag::RefDesignator), 0U);
+  AddOutput(part, {OutputTag::RefDesignator, "F1"});
+  part.GetOutputFields()[0]->SetExpression("V41");
+  part.Validate();
+  EXPECT_TRUE(part.HasOutputTag(OutputTag::RefDesignator));
+  // The element itself, and every one that reaches it.
+  EXPECT_EQ(part.CountOutputTag(OutputTag::RefDesignator), 41U);
+}
+
+TEST_F(TagSearchTest, ALongChainOfElementsNeedsNoStack) {
+  constexpr int kCount = 100'000;
+  CTNTemplateRecord& part = AddRecord(document, RecordKind::Part, "Part", {Alnum(), Newline()});
+  for (int i = 1; i <= kCount; ++i)
+    AddOutput(part, {OutputTag::None, "V" + std::to_string(i + 1)});
+  AddOutput(part, {OutputTag::RefDesignator, "F1"});
+  part.ReparseOutputExpressions();
+  EXPECT_TRUE(TagSearch(OutputTag::RefDesignator).IsReachedFrom(*part.GetOutputFields()[0]));
+  EXPECT_FALSE(TagSearch(OutputTag::PartNumber).IsReachedFrom(*part.GetOutputFields()[0]));
+}
+
+TEST_F(TagSearchTest, ValuesThatDoubleAtEachReferenceEndAndBothWaysAgree) {
+  constexpr int kCount = 60;
+  CTNTemplateRecord& part = PartOf(kCount, [](int i) {
+    const std::string next = "V" + std::to_string(i + 1);
+    return next + " " + next;
+  });
+  AddOutput(part, {OutputTag::RefDesignator, "F1"});
+  AddOutput(part, {OutputTag::PartNumber, "\"x\""});
+  part.Validate();
+  part.Validate();
+  ASSERT_EQ(part.IsValid(), 1) << part.GetStatusText();
+  const Application application = ApplyToText(document, "R1\n");
+  const std::string list = EntityListOf(application);
+  EXPECT_EQ(list, EntityListPlainly(application));
+  EXPECT_TRUE(list.starts_with("<ENTITY>Part"));
+  EXPECT_TRUE(
+      list.ends_with("<REF_DESIGNATOR>R1</REF_DESIGNATOR><PART_NUMBER>x</PART_NUMBER></ENTITY>"));
+}
+
+TEST_F(TagSearchTest, AReferenceBehindTwoHundredOthersAddsNothing) {
+  CTNTemplateRecord& part = AddRecord(document, RecordKind::Part, "Part", {Alnum(), Newline()});
+  for (int i = 1; i <= 202; ++i)
+    AddOutput(part, {OutputTag::Text, "V" + std::to_string(i + 1)});
+  AddOutput(part, {OutputTag::RefDesignator, "F1"});
+  AddOutput(part, {OutputTag::PartNumber, "\"x\""});
+  part.Validate();
+  part.Validate();
+  const Application application = ApplyToText(document, "R1\n");
+  const std::string list = EntityListOf(application);
+  EXPECT_EQ(list, EntityListPlainly(application));
+  // V203 is the value: two elements are too far away from it.
+  EXPECT_TRUE(list.starts_with("<ENTITY>Part<TEXT></TEXT><TEXT></TEXT><TEXT>R1 </TEXT>")) << list;
+}
+
+}  // namespace
+}  // namespace bomparser::test
