@@ -122,8 +122,8 @@ bool CTNFileParserEngine::IsTemplateModified() const { return m_valid && m_templ
 // ------------------------------------------------------------------------------- applying
 
 bool CTNFileParserEngine::Apply(std::string& error, bool& cancelled, ShowProgress show,
-                                ResultUse use) {
-  return m_inputFile->ApplyTemplate(m_template.get(), error, cancelled, show, m_frontEnd, use);
+                                const ApplicationPurpose& purpose) {
+  return m_inputFile->ApplyTemplate(m_template.get(), error, cancelled, show, m_frontEnd, purpose);
 }
 
 bool CTNFileParserEngine::ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show) {

@@ -107,7 +107,9 @@ class CTNFileParserEngine final : public CTNParserContext {
 
   void ReportLoadFailure(const std::string& path, int status);
   void WriteSideCopy();
-  bool Apply(std::string& error, bool& cancelled, ShowProgress show, ResultUse use);
+  bool Apply(std::string& error, bool& cancelled, ShowProgress show,
+             const ApplicationPurpose& purpose);
+  std::uint32_t MostUnmatched(Search& search) const;
   bool TryTemplate(const std::string& path, Search& search);
   void TryFolder(const std::vector<std::string>& names, Search& search);
   void ApplyInFull(const std::string& path);

@@ -7,6 +7,9 @@
 #include "tnbase/FolderListing.h"
 #include "tnbase/TNPath.h"
 
+#include <algorithm>
+#include <bit>
+
 namespace bomparser {
 
 namespace {
@@ -33,6 +36,7 @@ struct CTNFileParserEngine::Search {
   double bestScore = 0.0;
   std::string bestPath = {};
   std::string lastApplied = {};  // The template that was tried last without failing.
+  std::uint32_t lines = 0;       // Of the input; 0 until somebody asks.
 };
 
 bool CTNFileParserEngine::FindTemplate(std::string& error, bool& cancelled, ShowProgress show) {
@@ -70,11 +74,40 @@ void CTNFileParserEngine::TryFolder(const std::vector<std::string>& names, Searc
   }
 }
 
+/// With how many unmatched blocks the current template can still become the best. Each block takes
+/// a line end at least, so with L lines, I of them ignored, U unmatched blocks leave a score of
+/// (L - U) / (L - I) at most, if U is not below I.
+std::uint32_t CTNFileParserEngine::MostUnmatched(Search& search) const {
+  const LineLimits limits = m_template->GetLineLimits();
+  const std::string_view text = m_inputFile->GetText().GetText()->View();
+  // A failing application ends the search, so one that can fail is to be carried through.
+  const bool mayFail = m_template->HasRecordThatTakesNothing() || !text.ends_with('\n');
+  if (search.bestScore <= 0.0 || limits.ignoreAfter != 0 || mayFail) {
+    return ApplicationPurpose::kNoLimit;
+  }
+  if (search.lines == 0) search.lines = m_inputFile->CountLines();
+  const auto ignored = static_cast<std::uint32_t>(std::max(limits.ignoreBefore, 1) - 1);
+  if (ignored >= search.lines) return ApplicationPurpose::kNoLimit;
+  const auto canBeBest = [&](std::uint32_t unmatched) {
+    ApplicationStats bound;
+    bound.totalBlocks = search.lines;
+    bound.ignoredBlocks = ignored;
+    bound.unmatchedBlocks = unmatched;
+    return bound.MatchPercent() > search.bestScore;
+  };
+  std::uint32_t most = ignored;
+  for (std::uint32_t step = std::bit_floor(search.lines); step > 0; step /= 2) {
+    if (step <= search.lines - most && canBeBest(most + step)) most += step;
+  }
+  return most;
+}
+
 /// False when the search is over.
 bool CTNFileParserEngine::TryTemplate(const std::string& path, Search& search) {
   if (!LoadTemplate(path)) return true;  // Its messages stay in the error log.
   // Only the counts are asked for; the best template is applied for good in the end.
-  if (!Apply(search.error, search.cancelled, search.show, ResultUse::Counted)) {
+  const ApplicationPurpose purpose(ResultUse::Counted, MostUnmatched(search));
+  if (!Apply(search.error, search.cancelled, search.show, purpose)) {
     if (search.error.empty()) {
       search.error = FormatMessageText(Msg::UnspecifiedApplyErrorOfFile, path);
     }
@@ -82,6 +115,7 @@ bool CTNFileParserEngine::TryTemplate(const std::string& path, Search& search) {
     return false;
   }
   search.lastApplied = path;
+  if (m_inputFile->GetBlocks().IsGivenUp()) return true;
   const double score = GetStats().MatchPercent();
   if (score > search.bestScore) {
     search.bestScore = score;

@@ -6,8 +6,8 @@ namespace bomparser {
 
 CTNParsedResult& CTNParsedBlockPtrArray::Begin(std::shared_ptr<const CTNInputText> text,
                                                std::shared_ptr<const CTNParsedLayout> layout,
-                                               ResultUse use) {
-  m_use = use;
+                                               const ApplicationPurpose& purpose) {
+  m_purpose = purpose;
   m_building = std::make_shared<CTNParsedResult>(std::move(text), std::move(layout));
   m_result = m_building;
   return *m_building;
@@ -20,7 +20,7 @@ std::ptrdiff_t CTNParsedBlockPtrArray::Add(std::uint32_t text, std::uint32_t tex
     m_building->CutElements(elements);
     return -1;
   }
-  if (m_use == ResultUse::Counted) {
+  if (m_purpose.use == ResultUse::Counted) {
     m_building->CountBlock(elements, record, rows);
     return 0;
   }

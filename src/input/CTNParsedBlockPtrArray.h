@@ -4,12 +4,25 @@
 #include "input/roles/CTNFrontEnd.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace bomparser {
 
 /// What an application is for: a result that is shown and written, or its counts alone.
 enum class ResultUse { Kept, Counted };
+
+/// The purpose of an application.
+struct ApplicationPurpose {
+  static constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
+
+  ApplicationPurpose(ResultUse resultUse = ResultUse::Kept, std::uint32_t most = kNoLimit)
+      : use(resultUse), mostUnmatched(most) {}
+
+  ResultUse use;
+  /// The application is given up, as done, once it has more unmatched blocks than this.
+  std::uint32_t mostUnmatched;
+};
 
 /// The blocks of one application in file order. A copy shares them: keeping an old result while a
 /// new one is made is keeping a copy of the array.
@@ -21,7 +34,7 @@ class CTNParsedBlockPtrArray {
   /// Of an application for its counts alone, blocks are counted and not kept.
   CTNParsedResult& Begin(std::shared_ptr<const CTNInputText> text,
                          std::shared_ptr<const CTNParsedLayout> layout,
-                         ResultUse use = ResultUse::Kept);
+                         const ApplicationPurpose& purpose = {});
   /// The result under construction; Begin comes first.
   CTNParsedResult& GetBuilding() { return *m_building; }
   /// Ends the construction: from here on the result is only read.
@@ -43,6 +56,11 @@ class CTNParsedBlockPtrArray {
   ApplicationStats GetStats() const { return m_result ? m_result->GetStats() : ApplicationStats(); }
   std::shared_ptr<const CTNParsedResult> GetResult() const { return m_result; }
 
+  /// True when the application has more unmatched blocks than its purpose allows.
+  bool IsGivenUp() const {
+    return m_result && m_result->GetStats().unmatchedBlocks > m_purpose.mostUnmatched;
+  }
+
   void SetProgress(CTNProgress* progress) { m_progress = progress; }
   CTNProgress* GetProgress() const { return m_progress; }
   /// Forgets the progress and this array's share of the blocks.
@@ -53,7 +71,7 @@ class CTNParsedBlockPtrArray {
  private:
   CTNParserContext* m_context;
   CTNProgress* m_progress = nullptr;  // Not owned; only during an application.
-  ResultUse m_use = ResultUse::Kept;
+  ApplicationPurpose m_purpose;
   std::shared_ptr<CTNParsedResult> m_building;
   std::shared_ptr<const CTNParsedResult> m_result;
 };

@@ -84,7 +84,7 @@ struct CTNParserInFile::Application {
   CTNTemplateToApply& toApply;
   std::string& error;
   bool& cancelled;
-  ResultUse use;
+  const ApplicationPurpose& purpose;
   CTNProgress* progress = nullptr;
   bool begun = false;  // The template has begun, so it is to be ended.
 };
@@ -137,6 +137,11 @@ bool CTNParserInFile::ReadText(std::int32_t ignoreAfter, std::string& error) {
   return true;
 }
 
+std::uint32_t CTNParserInFile::CountLines() const {
+  const std::string_view text = m_text.GetText()->View();
+  return static_cast<std::uint32_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
 std::uint32_t CTNParserInFile::CountPieces() const {
   return PiecesOf(m_text.GetText()->View().substr(0, m_lengthRead));
 }
@@ -160,7 +165,7 @@ void CTNParserInFile::DescribeWork(const CTNTemplateToApply& toApply, CTNProgres
 
 bool CTNParserInFile::ApplyTemplate(CTNTemplateToApply* toApply, std::string& error,
                                     bool& cancelled, ShowProgress show, CTNFrontEnd* frontEnd,
-                                    ResultUse use) {
+                                    const ApplicationPurpose& purpose) {
   error.clear();
   cancelled = false;
   if (toApply == nullptr) {
@@ -173,7 +178,7 @@ bool CTNParserInFile::ApplyTemplate(CTNTemplateToApply* toApply, std::string& er
     m_stale = true;
     return false;
   }
-  Application run{*toApply, error, cancelled, use};
+  Application run{*toApply, error, cancelled, purpose};
   bool done = false;
   try {
     std::unique_ptr<CTNProgress> progress;
@@ -224,7 +229,7 @@ bool CTNParserInFile::Scan(Application& run) {
     if (run.progress->IsCancelled()) return false;
     DescribeWork(run.toApply, *run.progress);
   }
-  run.toApply.BeginApplication(m_text.GetText(), m_blocks, run.use);
+  run.toApply.BeginApplication(m_text.GetText(), m_blocks, run.purpose);
   run.begun = true;
   m_blocks.SetProgress(run.progress);
   if (limits.ignoreBefore > 1) {
@@ -235,7 +240,7 @@ bool CTNParserInFile::Scan(Application& run) {
     if (run.error.empty()) run.error = GetMessageText(Msg::UnspecifiedOpenOrApplyError);
     return false;
   }
-  return TakeTrailingLines(run);
+  return m_blocks.IsGivenUp() || TakeTrailingLines(run);
 }
 
 /// Sets up to `count` lines from the cursor on aside. False when the application ends here:

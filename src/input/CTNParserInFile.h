@@ -32,13 +32,16 @@ class CTNParserInFile final : public CTNTextFile, public CTNParserArrayElement {
   /// line feed gets one, unless the pieces are a multiple of 256. False with `error` when the
   /// file cannot be read. Throws std::bad_alloc.
   bool ReadText(std::int32_t ignoreAfter, std::string& error);
+  /// The number of line feeds in the text that was read. One pass over the text.
+  std::uint32_t CountLines() const;
   /// The number of pieces of the text that was read. One pass over the text.
   std::uint32_t CountPieces() const;
 
   /// One application of the template. On failure `error` says why and the blocks made so far stay;
   /// a cancelled one leaves results, text and flags as they were before it.
   bool ApplyTemplate(CTNTemplateToApply* toApply, std::string& error, bool& cancelled,
-                     ShowProgress show, CTNFrontEnd* frontEnd, ResultUse use = ResultUse::Kept);
+                     ShowProgress show, CTNFrontEnd* frontEnd,
+                     const ApplicationPurpose& purpose = {});
 
   /// The file's title up to its first ".".
   std::string GetTitleNoExtension() const;

@@ -9,11 +9,11 @@ namespace bomparser {
 
 BlockScan::BlockScan(const CTNParserTemplate& document,
                      const std::shared_ptr<const CTNInputText>& text,
-                     CTNParsedBlockPtrArray& blocks, ResultUse use)
+                     CTNParsedBlockPtrArray& blocks, const ApplicationPurpose& purpose)
     : m_program(document),
       m_blocks(blocks),
-      m_result(blocks.Begin(text, m_program.GetLayout(), use)),
-      m_use(use),
+      m_result(blocks.Begin(text, m_program.GetLayout(), purpose)),
+      m_use(purpose.use),
       m_matcher(m_program, m_result),
       m_singleBlocks(m_program.GetRecordCount(), -1),
       m_orderOf(m_program.GetRecordCount(), 0) {
@@ -44,8 +44,7 @@ BlockScan::Taken BlockScan::TakeBlock(std::uint32_t position) {
     const std::uint32_t end = m_matcher.Match(record, position);
     if (end != ProgramMatcher::kFailed) return {record, end};
   }
-  const std::uint32_t catchAll = m_program.GetCatchAll();
-  return {catchAll, m_matcher.Match(catchAll, position)};
+  return {m_program.GetCatchAll(), m_matcher.MatchRestOfLine(position)};
 }
 
 BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previous,
@@ -68,6 +67,7 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
     if (m_program.GetRecord(taken.record).singleMatch) m_singleBlocks[taken.record] = added;
     m_lastBlock = m_result.GetBlockCount();
     position = taken.end;
+    if (taken.record == m_program.GetCatchAll() && m_blocks.IsGivenUp()) break;
   }
   return Outcome::Done;
 }

@@ -18,11 +18,12 @@ class BlockScan {
  public:
   /// Starts an empty result over the text in `blocks`. Throws std::bad_alloc.
   BlockScan(const CTNParserTemplate& document, const std::shared_ptr<const CTNInputText>& text,
-            CTNParsedBlockPtrArray& blocks, ResultUse use);
+            CTNParsedBlockPtrArray& blocks, const ApplicationPurpose& purpose);
 
   /// Adds the line as a block of the ignored-lines record; -1 when the user has cancelled.
   std::ptrdiff_t TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd);
 
+  /// Done also when the application is given up: see ApplicationPurpose.
   enum class Outcome { Done, Cancelled, NotAdvanced, Unreadable };
   /// Cuts the text from `position` on, until a block ends at `end` or behind it. `position` and
   /// `previous` are left where the scan ended. Throws std::bad_alloc.

@@ -118,12 +118,16 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   bool IsEmptyTemplate() const override { return m_empty; }
   std::string GetTemplateFileName() const override;
   void BeginApplication(const std::shared_ptr<const CTNInputText>& text,
-                        CTNParsedBlockPtrArray& blocks, ResultUse use) override;
+                        CTNParsedBlockPtrArray& blocks, const ApplicationPurpose& purpose) override;
   std::ptrdiff_t TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd,
                                  CTNParsedBlockPtrArray& blocks) override;
   bool ParseFile(CTNStringCharBuffIter& text, CTNParsedBlockPtrArray& blocks, std::string& error,
                  bool& cancelled) override;
   void EndApplication(const CTNParsedBlockPtrArray& blocks) override;
+
+  /// True when an application to a text that ends in a line end can fail: a record without fields
+  /// matches without taking anything.
+  bool HasRecordThatTakesNothing() const;
 
   /// Whether fields show, after an application, the values of the last attempt at their record.
   /// Finding them takes a little time, which a program without a window need not spend.

@@ -19,8 +19,9 @@ constexpr std::uint64_t kMaxReplayedCharacters = 20'000'000;
 }  // namespace
 
 void CTNParserTemplate::BeginApplication(const std::shared_ptr<const CTNInputText>& text,
-                                         CTNParsedBlockPtrArray& blocks, ResultUse use) {
-  m_scan = std::make_unique<BlockScan>(*this, text, blocks, use);
+                                         CTNParsedBlockPtrArray& blocks,
+                                         const ApplicationPurpose& purpose) {
+  m_scan = std::make_unique<BlockScan>(*this, text, blocks, purpose);
 }
 
 std::ptrdiff_t CTNParserTemplate::TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd,
@@ -58,6 +59,15 @@ bool CTNParserTemplate::ParseFile(CTNStringCharBuffIter& text, CTNParsedBlockPtr
   // A message is read by people: the rest of a very long line would tell them nothing more.
   if (line.size() > kLongestLineTold) line.resize(kLongestLineTold);
   error = FormatMessageText(Msg::UnreadableLine, position, line);
+  return false;
+}
+
+bool CTNParserTemplate::HasRecordThatTakesNothing() const {
+  for (const RecordList* list : {&m_auxiliaryRecords, &m_entityRecords}) {
+    for (const auto& record : *list) {
+      if (record->IsValid() != 0 && record->GetInputFields().empty()) return true;
+    }
+  }
   return false;
 }
 

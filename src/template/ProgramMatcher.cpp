@@ -95,6 +95,18 @@ std::uint32_t ProgramMatcher::Match(std::uint32_t record, std::uint32_t position
   return kFailed;
 }
 
+std::uint32_t ProgramMatcher::MatchRestOfLine(std::uint32_t position) {
+  m_pending = 0;
+  const char* const at = m_begin + position;
+  const char* const lineEnd = Find(at, m_end, '\n');
+  if (lineEnd == m_end) return kFailed;
+  std::uint8_t* const room = Room(element_code::kMaxBytes + 1);
+  std::uint8_t* end = element_code::PutLength(room, static_cast<std::uint32_t>(lineEnd - at));
+  *end++ = 1;
+  m_pending = static_cast<std::size_t>(end - room);
+  return PositionOf(lineEnd) + 1;
+}
+
 const char* ProgramMatcher::MatchRecord(std::uint32_t index, const char* at) {
   const RecordOp& record = m_program.GetRecord(index);
   if (!record.valid) return nullptr;

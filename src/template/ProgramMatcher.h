@@ -28,6 +28,8 @@ class ProgramMatcher {
   /// and its elements are pending; on failure the result is kFailed and nothing is.
   std::uint32_t Match(std::uint32_t record, std::uint32_t position);
   static constexpr std::uint32_t kFailed = 0xFFFFFFFF;
+  /// The same for a record with the built-in records' pattern: a scan to the line end, and that.
+  std::uint32_t MatchRestOfLine(std::uint32_t position);
   /// Makes the pending elements part of the result's element bytes.
   void TakePending();
 

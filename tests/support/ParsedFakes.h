@@ -177,13 +177,14 @@ class FakeTemplate final : public CTNTemplateToApply {
   bool IsEmptyTemplate() const override { return empty; }
   std::string GetTemplateFileName() const override { return "parts.xml"; }
   void BeginApplication(const std::shared_ptr<const CTNInputText>& text,
-                        CTNParsedBlockPtrArray& blocks, ResultUse use) override {
+                        CTNParsedBlockPtrArray& blocks,
+                        const ApplicationPurpose& purpose) override {
     calls.push_back("begin");
     m_text = text;
     m_layout = std::make_shared<CTNParsedLayout>();
     m_layout->Describe(lines);
     m_layout->Describe(ignored);
-    blocks.Begin(text, m_layout, use);
+    blocks.Begin(text, m_layout, purpose);
   }
   std::ptrdiff_t TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd,
                                  CTNParsedBlockPtrArray& blocks) override {

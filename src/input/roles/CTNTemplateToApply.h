@@ -9,7 +9,7 @@ namespace bomparser {
 
 class CTNInputText;
 class CTNParsedBlockPtrArray;
-enum class ResultUse;
+struct ApplicationPurpose;
 class CTNStringCharBuffIter;
 
 /// Which lines of an input file a template translates.
@@ -31,7 +31,8 @@ class CTNTemplateToApply {
   virtual std::string GetTemplateFileName() const = 0;
   /// Starts a result over the text in `blocks`. Throws std::bad_alloc when memory runs out.
   virtual void BeginApplication(const std::shared_ptr<const CTNInputText>& text,
-                                CTNParsedBlockPtrArray& blocks, ResultUse use) = 0;
+                                CTNParsedBlockPtrArray& blocks,
+                                const ApplicationPurpose& purpose) = 0;
   /// Makes a block of the line [line, lineEnd), matched against the ignored-lines record, and adds
   /// it. Returns its position, or -1 when the user has cancelled. Throws std::bad_alloc.
   virtual std::ptrdiff_t TakeIgnoredLine(std::uint32_t line, std::uint32_t lineEnd,

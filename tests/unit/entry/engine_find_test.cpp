@@ -3,7 +3,9 @@
 #include "tests/support/EngineTest.h"
 #include "tnbase/FolderListing.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -301,6 +303,61 @@ TEST_F(EngineFindLocaleTest, TheSameTemplateIsFoundUnderAnyLocale) {
   EXPECT_TRUE(engine.FindTemplate(error, cancelled, ShowProgress::No)) << error;
   EXPECT_EQ(Document().GetFilePath(), PathOf("search/two.xml"));
   EXPECT_EQ(List(), ListOfWords({"a", "b"}));
+}
+
+TEST_F(EngineFindTest, ATemplateThatCannotBecomeTheBestAnyMoreIsGivenUp) {
+  std::string text = "x\n";
+  for (int i = 0; i < 999; ++i)
+    text += "a\n";
+  Open(text);
+  const Texts paths = Put({TemplateFor("a"), TemplateFor("b"), TemplateFor("x|b")});
+  EXPECT_EQ(Find(ShowProgress::Yes), "found");
+  EXPECT_EQ(Document().GetFilePath(), paths[0]);
+  // A thousand blocks of the first; the others may have no unmatched block, or one after "x".
+  EXPECT_EQ(frontEnd.progress.steps, 1000U + 1U + 2U);
+}
+
+TEST_F(EngineFindTest, ATemplateThatFailsIsNotGivenUpBeforeItFails) {
+  CTNParserTemplate failing(nullptr);
+  AddRecord(failing, RecordKind::MultipleMatch, "ends", {String("d"), Newline()});
+  AddRecord(failing, RecordKind::SingleMatch, "takes nothing", {});
+  Open(kFourLines);
+  Put({TemplateFor("a|b|c"), XmlText(failing)});
+  EXPECT_EQ(Find(), "found: " + NotAdvanced());
+  EXPECT_EQ(engine.GetStats().MatchPercent(), 75.0);
+}
+
+TEST_F(EngineFindTest, GivingUpNeverChangesWhichTemplateIsFound) {
+  std::minstd_rand random(7);
+  const auto below = [&random](unsigned n) { return static_cast<int>(random() % n); };
+  for (int round = 0; round < 150; ++round) {
+    std::string text;
+    for (int line = below(12) + 1; line > 0; --line)
+      text += std::string(1, static_cast<char>('a' + below(5))) + "\n";
+    Open(text);
+    Texts templates;
+    for (int i = 0; i < 5; ++i) {
+      const std::string first(1, static_cast<char>('a' + below(5)));
+      const std::string second(1, static_cast<char>('a' + below(5)));
+      templates.push_back(TemplateFor(first + "|" + second, RecordKind::Part, 1 + below(4)));
+    }
+    const Texts paths = Put(templates);
+    double best = 0.0;
+    std::string bestPath;
+    for (const std::string& path : paths) {
+      ASSERT_TRUE(engine.LoadTemplate(path));
+      ASSERT_EQ(Apply(), "ok");
+      const double score = engine.GetStats().MatchPercent();
+      if (score > best) bestPath = path;
+      best = std::max(best, score);
+      if (score == 100.0) break;
+    }
+    Find();
+    if (!bestPath.empty()) {
+      EXPECT_EQ(Document().GetFilePath(), bestPath) << text;
+      EXPECT_EQ(engine.GetStats().MatchPercent(), best) << text;
+    }
+  }
 }
 
 }  // namespace
