@@ -59,6 +59,7 @@ bool Equal(const char* text, std::string_view value, bool caseSensitive) {
 }
 
 const char* Find(const char* from, const char* end, char wanted) {
+  if (from == end) return end;
   const void* found = std::memchr(from, wanted, static_cast<std::size_t>(end - from));
   return found != nullptr ? static_cast<const char*>(found) : end;
 }
