@@ -37,8 +37,6 @@ class CTNParsedBlockPtrArray {
                          const ApplicationPurpose& purpose = {});
   /// The result under construction; Begin comes first.
   CTNParsedResult& GetBuilding() { return *m_building; }
-  /// Ends the construction: from here on the result is only read.
-  void End() { m_building = nullptr; }
   /// Appends the block over [text, textEnd) with the element bytes from `elements` on, and tells
   /// the watching progress of its rows. Returns its position, or -1 when the user has cancelled:
   /// the block is not added then. Throws std::bad_alloc when memory runs out.
