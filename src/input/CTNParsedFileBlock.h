@@ -61,7 +61,7 @@ class CTNParsedFileBlock final : public CTNParserArrayElement {
   Colour GetTextColour() const;
 
   /// The instances that a SUBRECORD field of this block's record matched, in order.
-  std::vector<CTNParsedFileBlockSubRecElement> GetSubRecords(const CTNMatchedField& field) const;
+  std::vector<CTNParsedFileBlockSubRecElement> GetSubRecords(const CTNMatchedField& wanted) const;
   /// Appends everything that `field` matched in this block, joined with nothing between: texts,
   /// or for a SUBRECORD field the entity texts of its instances. Nested blocks are not searched.
   void AppendFieldValue(std::string& out, const CTNMatchedField& field, Tags tags) const;
@@ -80,7 +80,7 @@ class CTNParsedFileBlock final : public CTNParserArrayElement {
   }
   /// Calls `visit` with the block of every instance that the SUBRECORD field matched, in order.
   template <class Visit>
-  void ForEachInstance(const CTNMatchedField& field, Visit visit) const;
+  void ForEachInstance(const CTNMatchedField& wanted, Visit visit) const;
   bool IsStale() const { return GetContext() != nullptr && GetContext()->AreResultsStale(); }
   int TabStop() const { return GetContext() != nullptr ? GetContext()->GetTabStop() : 8; }
   bool IsBlankLine() const;

@@ -12,22 +12,22 @@ std::uint32_t CTNParsedLayout::IndexOf(const CTNMatchedRecord* record) const {
   return found != m_byRecord.end() ? found->second : kNoRecord;
 }
 
-std::uint32_t CTNParsedLayout::Describe(const CTNMatchedRecord& first) {
-  const std::uint32_t known = IndexOf(&first);
+std::uint32_t CTNParsedLayout::Describe(const CTNMatchedRecord& record) {
+  const std::uint32_t known = IndexOf(&record);
   if (known != kNoRecord) return known;
-  const auto add = [this](const CTNMatchedRecord& record) {
+  const auto add = [this](const CTNMatchedRecord& added) {
     const auto index = static_cast<std::uint32_t>(m_records.size());
     m_records.push_back(
-        {&record, record.GetRecordKind(), record.GetRecordId(), record.GetRecordName(), {}});
-    m_byRecord.emplace(&record, index);
+        {&added, added.GetRecordKind(), added.GetRecordId(), added.GetRecordName(), {}});
+    m_byRecord.emplace(&added, index);
     return index;
   };
-  const std::uint32_t index = add(first);
+  const std::uint32_t index = add(record);
   // Records found on the way are appended, so the loop reaches them as well.
   for (std::size_t at = index; at < m_records.size(); ++at) {
-    const CTNMatchedRecord& record = *m_records[at].record;
-    for (std::size_t i = 0; i < record.GetFieldCount(); ++i) {
-      const CTNMatchedField* field = record.GetMatchedFieldAt(i);
+    const CTNMatchedRecord& described = *m_records[at].record;
+    for (std::size_t i = 0; i < described.GetFieldCount(); ++i) {
+      const CTNMatchedField* field = described.GetMatchedFieldAt(i);
       std::uint32_t sub = kNoRecord;
       if (const CTNMatchedRecord* named = field->GetMatchedSubRecord()) {
         sub = IndexOf(named);

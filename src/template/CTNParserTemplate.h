@@ -139,7 +139,7 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   CTNTemplateRecord* Insert(std::unique_ptr<CTNTemplateRecord> record,
                             const CTNTemplateRecord* before);
   static void Renumber(RecordList& list, std::size_t from);
-  void UnlinkRecord(const CTNTemplateRecord* record);
+  void UnlinkRecord(const CTNTemplateRecord* gone);
   void RegisterBindings(XmlBindingTable& bindings) override;
   int FinishLoad(int status);
   void ResolveAndValidate(RecordList& list);

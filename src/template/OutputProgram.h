@@ -54,7 +54,7 @@ class OutputProgram {
   class Compiler;
   class Output;
 
-  void Run(std::uint32_t program, const std::uint8_t*& from, std::uint32_t& text, Output& out);
+  void Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text, Output& out);
   void RunInstances(std::uint32_t program, const Slot& slot, Output& out);
   void WriteField(const Slot& slot, FieldKind kind, Output& out) const;
 

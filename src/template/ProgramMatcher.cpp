@@ -3,6 +3,7 @@
 #include "tnbase/CharClass.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <utility>
 
@@ -59,7 +60,6 @@ bool Equal(const char* text, std::string_view value, bool caseSensitive) {
 }
 
 const char* Find(const char* from, const char* end, char wanted) {
-  if (from == end) return end;
   const void* found = std::memchr(from, wanted, static_cast<std::size_t>(end - from));
   return found != nullptr ? static_cast<const char*>(found) : end;
 }
@@ -109,6 +109,7 @@ std::uint32_t ProgramMatcher::MatchRestOfLine(std::uint32_t position) {
 }
 
 const char* ProgramMatcher::MatchRecord(std::uint32_t index, const char* at) {
+  assert(at != nullptr);
   const RecordOp& record = m_program.GetRecord(index);
   if (!record.valid) return nullptr;
   const FieldOp* const last = m_program.Ops() + record.lastOp;
@@ -136,6 +137,7 @@ const char* ProgramMatcher::MatchRecord(std::uint32_t index, const char* at) {
 
 /// Matches a field that is neither a scan nor a sub-record; the place behind it, or null.
 inline const char* ProgramMatcher::MatchField(const FieldOp& op, const char* at) const {
+  assert(at != nullptr);
   switch (op.kind) {
     case FieldKind::String:
       return MatchString(op, at);

@@ -60,7 +60,7 @@ class ProgramMatcher {
     std::uint64_t sequence = 0;
   };
 
-  const char* MatchRecord(std::uint32_t record, const char* at);
+  const char* MatchRecord(std::uint32_t index, const char* at);
   const char* MatchField(const FieldOp& op, const char* at) const;
   const char* MatchString(const FieldOp& op, const char* at) const;
   const char* MatchNumber(const FieldOp& op, const char* at) const;

@@ -150,7 +150,6 @@ inline void Fill(CTNParsedBlockPtrArray& blocks, const std::vector<Taken>& taken
     blocks.Add(at, end, elements, layout->IndexOf(block.record));
     at = end;
   }
-  blocks.End();
 }
 
 /// A template without a pattern language: each line up to the end limit becomes a block of one

@@ -254,7 +254,7 @@ std::string Compare(const char* what, const std::vector<std::string>& compiled,
 }
 
 char RandomCharacter(Chooser& choose) {
-  constexpr std::string_view kCharacters("aabBA1122+-.,  \t\n\n\n\r\0\xFF\xE9", 24);
+  constexpr std::string_view kCharacters("aabBA1122+-.,  \t\n\n\n\r\0\xFF\xE9", 23);
   return Pick(choose, kCharacters);
 }
 

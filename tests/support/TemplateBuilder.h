@@ -54,8 +54,8 @@ struct OutputSpec {
 };
 
 /// Appends one field.
-CTNTemplRecInField& AddField(CTNTemplateRecord& record, const FieldSpec& field);
-CTNTemplRecOutField& AddOutput(CTNTemplateRecord& record, const OutputSpec& output);
+CTNTemplRecInField& AddField(CTNTemplateRecord& record, const FieldSpec& spec);
+CTNTemplRecOutField& AddOutput(CTNTemplateRecord& record, const OutputSpec& spec);
 /// Appends a record with its fields and output elements, and validates it.
 CTNTemplateRecord& AddRecord(CTNParserTemplate& document, RecordKind kind,
                              std::string_view description, const std::vector<FieldSpec>& fields,

@@ -65,6 +65,7 @@ TEST_F(EntityListTest, OnlyBlocksOfEntityRecordsAreWritten) {
 TEST_F(EntityListTest, EntitiesCarryTheNameOfTheirType) {
   const auto allF1 = [](const std::vector<OutputTag>& tags) {
     std::vector<OutputSpec> outputs;
+    outputs.reserve(tags.size());
     for (const OutputTag tag : tags)
       outputs.push_back({tag, "F1"});
     return outputs;

@@ -51,8 +51,8 @@ class Watcher final : public CTNFrontEnd {
       m_watcher.notes.push_back("range " + std::to_string(lower) + " to " + std::to_string(upper) +
                                 " by " + std::to_string(step));
     }
-    bool StepAndPoll(std::uint32_t steps) override {
-      m_watcher.steps += steps;
+    bool StepAndPoll(std::uint32_t more) override {
+      m_watcher.steps += more;
       return IsCancelled();
     }
     bool IsCancelled() const override { return m_watcher.IsCancelled(); }

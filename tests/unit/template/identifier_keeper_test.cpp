@@ -206,9 +206,10 @@ TEST_F(IdentifierKeeperTest, QuotedTextsStayAsTheyAre) {
 
 TEST_F(IdentifierKeeperTest, TextsThatDoNotParseFollowToo) {
   Write({"A1 F2 V1", "E1 F2", "A1.F77 F2", "F2 \"F2 open", "A2."});
-  for (const auto& element : own->GetOutputFields())
+  for (const auto& element : own->GetOutputFields()) {
     EXPECT_EQ(element->IsValid(), element->GetExpression() == "F2 \"F2 open" ? 1 : 0)
         << element->GetExpression();
+  }
   InsertBefore(own, 1);
   document.DeleteRecord(first);
   EXPECT_EQ(Expressions(), (Texts{"?? F3 V1", "E1 F3", "??.F77 F3", "F3 \"F2 open", "A1."}));

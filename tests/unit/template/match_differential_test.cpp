@@ -70,7 +70,7 @@ std::map<std::string, int> CountFindings(std::uint32_t templates) {
       if (record->GetSingleMatchBlock() != nullptr) ++found["single match"];
     }
     if (!application.done) ++found["given up"];
-    if (EntityListOf(application).find("x") != std::string::npos) ++found["entity with literal"];
+    if (EntityListOf(application).find('x') != std::string::npos) ++found["entity with literal"];
   }
   return found;
 }

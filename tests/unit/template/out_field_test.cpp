@@ -46,7 +46,7 @@ class OutFieldTest : public testing::Test {
   static std::string Validated(CTNTemplRecOutField& element) {
     const std::int32_t valid = element.Validate();
     EXPECT_EQ(valid, element.IsValid());
-    const std::string text = element.GetStatusText();
+    std::string text = element.GetStatusText();
     if (valid == 0) return text;
     return text.empty() ? "valid" : "valid: " + text;
   }

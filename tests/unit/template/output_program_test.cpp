@@ -26,7 +26,7 @@ class OutputProgramTest : public testing::Test {
   }
   /// What stands behind the two elements that every part has, of a text of one block.
   std::string Rest(std::string_view text) {
-    const std::string list = List(text);
+    std::string list = List(text);
     const std::string mark = "<PART_NUMBER>P</PART_NUMBER>";
     const std::size_t at = list.find(mark);
     if (at == std::string::npos) return list;
@@ -35,7 +35,7 @@ class OutputProgramTest : public testing::Test {
   std::string List(std::string_view text) {
     const Application application = ApplyToText(document, text);
     EXPECT_TRUE(application.done) << application.error;
-    const std::string list = EntityListOf(application);
+    std::string list = EntityListOf(application);
     EXPECT_EQ(list, EntityListPlainly(application));
     return list;
   }
