@@ -4,8 +4,8 @@ namespace bomparser {
 
 /// Takes over the user's wish to stop (Ctrl-C, or a polite request of the system to end). From now
 /// on it ends the process at once with InterruptStatus(), unless a hold says that there is
-/// something to put away first: then it is only remembered. A reader of our output that goes away
-/// is a failed write from now on, and no end of the process.
+/// something to put away first: then it is only remembered. A reader of our output that goes away,
+/// and a limit on the size of files, are failed writes from now on, and no end of the process.
 void CatchInterrupts();
 
 /// True once the user has asked to stop while there was a hold.

@@ -1,5 +1,6 @@
 #include "entry/CTNFileParserEngine.h"
 #include "tests/support/EngineTest.h"
+#include "tests/support/FileSizeLimit.h"
 
 #include <csignal>
 #include <filesystem>
@@ -13,27 +14,6 @@ namespace {
 
 using namespace test;
 using Texts = std::vector<std::string>;
-
-/// A full disk, as far as files of more than so many bytes go.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &m_before);
-    const rlimit limited = {bytes, m_before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limited);
-    m_handler = std::signal(SIGXFSZ, SIG_IGN);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &m_before);
-    std::signal(SIGXFSZ, m_handler);
-  }
-
- private:
-  rlimit m_before{};
-  void (*m_handler)(int) = SIG_DFL;
-};
 
 class EngineFilesTest : public EngineTestIn<TestFolder> {
  protected:
