@@ -5,6 +5,7 @@
 #include "cli/StatsLine.h"
 #include "cli/TargetNames.h"
 #include "tnbase/SystemReason.h"
+#include "tnbase/TNPath.h"
 
 #include <filesystem>
 #include <system_error>
@@ -28,9 +29,25 @@ ExitStatus PrepareFolder(const Options& options) {
   return ExitStatus::Failed;
 }
 
+/// False for what takes any number of writers: a pipe, a device.
+bool IsOrdinary(const std::string& path) { return !FileExists(path) || IsRegularFile(path); }
+
 std::string TargetPath(const Options& options, const std::string& input) {
   if (options.inputs.size() == 1) return options.output.value_or(std::string(kStandardStreamPath));
   return (std::filesystem::path(*options.output) / TargetName(input)).string();
+}
+
+/// The counts must not take the place of a list. False, and told, when they would.
+bool StatsHaveAFileOfTheirOwn(const Options& options) {
+  if (!options.statsFile || *options.statsFile == kStandardStreamPath) return true;
+  for (const std::string& input : options.inputs) {
+    const std::string target = TargetPath(options, input);
+    if (target == kStandardStreamPath || !IsOrdinary(target)) continue;
+    if (!AreSameFile(*options.statsFile, target)) continue;
+    PrintMessage("the list and the counts would both be written to " + target);
+    return false;
+  }
+  return true;
 }
 
 ExitStatus ApplyTo(Session& session, const std::string& input, const std::string& target,
@@ -47,6 +64,7 @@ ExitStatus RunApply(const Options& options) {
   Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
   if (!session.LoadTemplate(*options.templateFile)) return ExitStatus::Failed;
   WarnOfInvalidRecords(session.GetEngine());
+  if (!StatsHaveAFileOfTheirOwn(options)) return ExitStatus::Failed;
   if (options.inputs.size() > 1 && PrepareFolder(options) != ExitStatus::Done) {
     return ExitStatus::Failed;
   }
