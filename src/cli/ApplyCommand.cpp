@@ -1,11 +1,11 @@
 #include "cli/ApplyCommand.h"
 
+#include "cli/FileUses.h"
 #include "cli/Messages.h"
 #include "cli/Session.h"
 #include "cli/StatsLine.h"
 #include "cli/TargetNames.h"
 #include "tnbase/SystemReason.h"
-#include "tnbase/TNPath.h"
 
 #include <filesystem>
 #include <system_error>
@@ -14,40 +14,43 @@ namespace bomparser {
 
 namespace {
 
-/// The output folder of several inputs, made if it is missing.
-ExitStatus PrepareFolder(const Options& options) {
-  if (const TargetClash clash = FindTargetClash(options.inputs)) {
-    const std::string& input = options.inputs[clash.second];
-    PrintMessage(options.inputs[clash.first] + " and " + input + " would both be written to " +
-                 TargetName(input));
-    return ExitStatus::Failed;
-  }
-  std::error_code failure;
-  std::filesystem::create_directories(*options.output, failure);
-  if (!failure) return ExitStatus::Done;
-  PrintMessage(SystemReason("cannot make the folder", *options.output, failure.value()));
-  return ExitStatus::Failed;
+/// False, and told, when the lists of two inputs would have one name.
+bool TargetsDiffer(const Options& options) {
+  const TargetClash clash = FindTargetClash(options.inputs);
+  if (!clash) return true;
+  const std::string& input = options.inputs[clash.second];
+  PrintMessage(options.inputs[clash.first] + " and " + input + " would both be written to " +
+               TargetName(input));
+  return false;
 }
 
-/// False for what takes any number of writers: a pipe, a device.
-bool IsOrdinary(const std::string& path) { return !FileExists(path) || IsRegularFile(path); }
+/// The output folder of several inputs, if it is missing. False, and told, on failure.
+bool MakeFolder(const std::string& path) {
+  std::error_code failure;
+  std::filesystem::create_directories(path, failure);
+  if (!failure) return true;
+  PrintMessage(SystemReason("cannot make the folder", path, failure.value()));
+  return false;
+}
 
 std::string TargetPath(const Options& options, const std::string& input) {
   if (options.inputs.size() == 1) return options.output.value_or(std::string(kStandardStreamPath));
   return (std::filesystem::path(*options.output) / TargetName(input)).string();
 }
 
-/// The counts must not take the place of a list. False, and told, when they would.
-bool StatsHaveAFileOfTheirOwn(const Options& options) {
-  if (!options.statsFile || *options.statsFile == kStandardStreamPath) return true;
-  for (const std::string& input : options.inputs) {
-    const std::string target = TargetPath(options, input);
-    if (target == kStandardStreamPath || !IsOrdinary(target)) continue;
-    if (!AreSameFile(*options.statsFile, target)) continue;
-    PrintMessage("the list and the counts would both be written to " + target);
-    return false;
-  }
-  return true;
+/// False, and told, when something that is written would take the place of another file of the run.
+bool EachFileHasItsPlace(const Options& options) {
+  FileUses uses;
+  uses.AddRead("the template", *options.templateFile);
+  for (const std::string& input : options.inputs)
+    uses.AddRead("the input", input);
+  std::string error;
+  bool good = true;
+  for (const std::string& input : options.inputs)
+    good = good && uses.AddWritten("the list", TargetPath(options, input), error);
+  if (options.statsFile) good = good && uses.AddWritten("the counts", *options.statsFile, error);
+  if (!good) PrintMessage(error);
+  return good;
 }
 
 ExitStatus ApplyTo(Session& session, const std::string& input, const std::string& target,
@@ -64,10 +67,9 @@ ExitStatus RunApply(const Options& options) {
   Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
   if (!session.LoadTemplate(*options.templateFile)) return ExitStatus::Failed;
   WarnOfInvalidRecords(session.GetEngine());
-  if (!StatsHaveAFileOfTheirOwn(options)) return ExitStatus::Failed;
-  if (options.inputs.size() > 1 && PrepareFolder(options) != ExitStatus::Done) {
-    return ExitStatus::Failed;
-  }
+  if (options.inputs.size() > 1 && !TargetsDiffer(options)) return ExitStatus::Failed;
+  if (!EachFileHasItsPlace(options)) return ExitStatus::Failed;
+  if (options.inputs.size() > 1 && !MakeFolder(*options.output)) return ExitStatus::Failed;
   StatsReport stats(options.statsFile);
   ExitStatus worst = ExitStatus::Done;
   for (const std::string& input : options.inputs) {

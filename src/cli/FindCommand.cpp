@@ -1,5 +1,6 @@
 #include "cli/FindCommand.h"
 
+#include "cli/FileUses.h"
 #include "cli/Messages.h"
 #include "cli/OutputFile.h"
 #include "cli/Session.h"
@@ -13,6 +14,20 @@ namespace bomparser {
 namespace {
 
 constexpr int kPercentDecimals = 2;
+
+/// False, and told, when something that is written would take the place of another file of the
+/// command. The template is known only once it is found; empty before.
+bool EachFileHasItsPlace(const Options& options, const std::string& templatePath) {
+  FileUses uses;
+  uses.AddRead("the template", templatePath);
+  uses.AddRead("the input", options.inputs.front());
+  std::string error;
+  const bool good =
+      (!options.output || uses.AddWritten("the list", *options.output, error)) &&
+      (!options.statsFile || uses.AddWritten("the counts", *options.statsFile, error));
+  if (!good) PrintMessage(error);
+  return good;
+}
 
 /// The report of the dialog's Find Template.
 std::string FoundText(const CTNFileParserEngine& engine) {
@@ -51,6 +66,8 @@ ExitStatus PrintPath(const std::string& path) {
 
 ExitStatus WriteResults(Session& session, const Options& options) {
   const std::string& input = options.inputs.front();
+  const std::string& templatePath = session.GetEngine().GetTemplate()->GetFilePath();
+  if (!EachFileHasItsPlace(options, templatePath)) return ExitStatus::Failed;
   if (options.output) {
     const ExitStatus status = session.WriteEntityList(input, *options.output);
     if (status != ExitStatus::Done) return status;
@@ -59,12 +76,13 @@ ExitStatus WriteResults(Session& session, const Options& options) {
   stats.Add(input, session.GetEngine().GetStats());
   std::string error;
   if (!stats.Finish(error)) return TellFailure({}, error);
-  return PrintPath(session.GetEngine().GetTemplate()->GetFilePath());
+  return PrintPath(templatePath);
 }
 
 }  // namespace
 
 ExitStatus RunFind(const Options& options) {
+  if (!EachFileHasItsPlace(options, {})) return ExitStatus::Failed;
   Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
   session.GetEngine().SetTemplateSearchPath(options.searchFolder);
   const ExitStatus status = Search(session.GetEngine(), options.inputs.front());

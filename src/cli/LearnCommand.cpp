@@ -1,5 +1,6 @@
 #include "cli/LearnCommand.h"
 
+#include "cli/FileUses.h"
 #include "cli/Messages.h"
 #include "cli/OutputFile.h"
 #include "cli/Session.h"
@@ -82,12 +83,16 @@ SampleLines TakeSampleLines(std::string_view text, const LineRange& wanted) {
 }
 
 ExitStatus RunLearn(const Options& options) {
+  // The template may be saved over the one that was added to: that is how it grows.
+  FileUses uses;
+  uses.AddRead("the input", options.inputs.front());
+  std::string error;
+  if (!uses.AddWritten("the template", *options.output, error)) return TellFailure({}, error);
   Session session;
   if (options.templateFile && !session.LoadTemplate(*options.templateFile)) {
     return ExitStatus::Failed;
   }
   std::string sample;
-  std::string error;
   if (!ReadSample(session.GetEngine(), options, sample, error)) {
     return TellFailure(options.inputs.front(), error);
   }

@@ -3,8 +3,6 @@
 #include "input/MessageTexts.h"
 #include "tnbase/TNPath.h"
 
-#include <filesystem>
-#include <system_error>
 #include <unordered_map>
 
 namespace bomparser {
@@ -12,15 +10,6 @@ namespace bomparser {
 std::string TargetName(std::string_view input) {
   const std::string title = TNGetFNameFromPath(input);
   return title.substr(0, title.find('.')) + GetMessageText(Msg::XmlExtensionWithDot);
-}
-
-bool AreSameFile(const std::string& path, const std::string& other) {
-  std::error_code unresolved;
-  const auto resolve = [&unresolved](const std::string& given) {
-    return std::filesystem::weakly_canonical(std::filesystem::absolute(given), unresolved);
-  };
-  const auto resolved = resolve(path);
-  return resolved == resolve(other) && !unresolved;
 }
 
 TargetClash FindTargetClash(const std::vector<std::string>& inputs) {

@@ -19,7 +19,4 @@ struct TargetClash {
 };
 TargetClash FindTargetClash(const std::vector<std::string>& inputs);
 
-/// True when both paths lead to one file, whether or not it exists yet.
-bool AreSameFile(const std::string& path, const std::string& other);
-
 }  // namespace bomparser
