@@ -115,8 +115,18 @@ class ErrorListener {
     }
     m_level = error.level;
     m_line = error.line;
+    if (IsTooDeep(error)) {
+      m_reason = FormatMessageText(Msg::XmlDocumentTooDeep, kXmlMaxDepth);
+      return;
+    }
     m_reason = error.message != nullptr ? error.message : "";
     m_reason.erase(m_reason.find_last_not_of("\r\n") + 1);
+  }
+
+  /// The library's own text for this tells programmers which switch to use.
+  static bool IsTooDeep(const xmlError& error) {
+    if (error.domain != XML_FROM_PARSER || error.ctxt == nullptr) return false;
+    return static_cast<const xmlParserCtxt*>(error.ctxt)->nodeNr > kXmlMaxDepth;
   }
 
   xmlStructuredErrorFunc m_handlerBefore;
@@ -226,6 +236,15 @@ class EntityGuard {
   const xmlChar* m_justDeclared = nullptr;
 };
 
+/// Cuts a UTF-8 text that is too long for a message, between two characters.
+std::string CutLineText(std::string text) {
+  if (text.size() <= kXmlMaxLineText) return text;
+  std::size_t end = kXmlMaxLineText;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    --end;
+  return text.replace(end, std::string::npos, " ...");
+}
+
 /// The 1-based line of a source as UTF-8. Sources with two bytes a character are left out: their
 /// lines cannot be cut at bytes.
 std::string SourceLine(std::string_view bytes, int line) {
@@ -247,7 +266,7 @@ std::string SourceLine(std::string_view bytes, int line) {
   if (text.ends_with('\r')) {
     text.remove_suffix(1);
   }
-  return IsUtf8(text) ? std::string(text) : Windows1252ToUtf8(text);
+  return CutLineText(IsUtf8(text) ? std::string(text) : Windows1252ToUtf8(text));
 }
 
 /// Null when the bytes are not well-formed.
@@ -259,6 +278,11 @@ DocPtr ParseBytes(std::string_view bytes, ErrorListener& listener) {
   const EntityGuard guard(*parser, listener);
   DocPtr doc(xmlCtxtReadMemory(parser.get(), bytes.empty() ? "" : bytes.data(),
                                static_cast<int>(bytes.size()), nullptr, nullptr, kParseOptions));
+  // The parser takes a NUL behind the root element for the end and drops what follows.
+  const xmlParserInput* const rest = parser->input;
+  if (!listener.HeardFatal() && rest != nullptr && rest->cur < rest->end) {
+    listener.KeepFatal(rest->line, GetMessageText(Msg::XmlNulCharacter));
+  }
   return listener.HeardFatal() ? nullptr : std::move(doc);
 }
 

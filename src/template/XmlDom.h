@@ -57,11 +57,16 @@ class XmlNode {
   _xmlNode* m_node = nullptr;
 };
 
+/// Templates are often one line; nobody reads megabytes of it in a message.
+inline constexpr std::size_t kXmlMaxLineText = 1000;
+
 /// Why a text could not be parsed.
 struct XmlParseFailure {
-  int line = 0;          ///< Line of the first error, from 1; 0 when the file could not be read.
-  std::string lineText;  ///< That line without its line end, UTF-8; may be empty (UTF-16 sources).
-  std::string reason;    ///< One or more lines without a trailing line break.
+  int line = 0;  ///< Line of the first error, from 1; 0 when the file could not be read.
+  /// That line without its line end, UTF-8; may be empty (UTF-16 sources). Of a long one the first
+  /// kXmlMaxLineText bytes or so, and " ...".
+  std::string lineText;
+  std::string reason;  ///< One or more lines without a trailing line break.
 
   bool operator==(const XmlParseFailure&) const = default;
 };

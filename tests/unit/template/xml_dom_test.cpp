@@ -221,10 +221,30 @@ TEST_F(XmlDomTest, ControlCharactersInTheSourceFail) {
   EXPECT_FALSE(Parses(std::string_view("<A>\0</A>", 8)));
 }
 
+TEST_F(XmlDomTest, WhatFollowsTheRootBehindANulIsNotDropped) {
+  using namespace std::string_view_literals;
+  for (const std::string_view text :
+       {"<A/>\n\0<junk>"sv, "<A/>\0"sv, "<?xml version='1.0' encoding='windows-1252'?><A/>\0x"sv,
+        "\xFF\xFE<\0A\0/\0>\0\0\0x\0"sv}) {
+    EXPECT_FALSE(Parses(text));
+    EXPECT_EQ(m_failure.reason, GetMessageText(Msg::XmlNulCharacter));
+  }
+  EXPECT_TRUE(Parses("\xFF\xFE<\0A\0/\0>\0"sv));
+}
+
+TEST_F(XmlDomTest, LongLineIsCutBetweenTwoCharacters) {
+  const std::string start(kXmlMaxLineText - 4, 'x');
+  EXPECT_FALSE(Parses("<A>" + start + "\xE2\x82\xAC</B>"));
+  EXPECT_EQ(m_failure.lineText, "<A>" + start + " ...");
+  const std::string whole = "<A>" + std::string(kXmlMaxLineText - 7, 'x') + "</B>";
+  EXPECT_FALSE(Parses(whole));
+  EXPECT_EQ(m_failure.lineText, whole);
+}
+
 TEST_F(XmlDomTest, NestingDeeperThanTheLimitGivesAClearError) {
   constexpr int kFarTooDeep = 100'000;
   EXPECT_FALSE(Parses(Repeat("<A>", kFarTooDeep) + Repeat("</A>", kFarTooDeep)));
-  EXPECT_NE(m_failure.reason.find("depth"), std::string::npos) << m_failure.reason;
+  EXPECT_EQ(m_failure.reason, FormatMessageText(Msg::XmlDocumentTooDeep, kXmlMaxDepth));
   EXPECT_EQ(m_failure.line, 1);
 }
 
