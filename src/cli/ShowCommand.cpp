@@ -11,12 +11,22 @@
 #include <cstdint>
 #include <fmt/format.h>
 #include <iterator>
+#include <string>
+#include <string_view>
 
 namespace bomparser {
 
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{1} << 18;
+
+/// A record's description may hold what separates rows and columns here; blanks stand for it.
+std::string OnOneLine(std::string text) {
+  for (char& c : text) {
+    if (c == '\n' || c == '\t' || c == '\r') c = ' ';
+  }
+  return text;
+}
 
 /// Prints the blocks of a result, one line a row.
 class RowPrinter {
@@ -32,6 +42,7 @@ class RowPrinter {
  private:
   bool Skip(const CTNParsedFileBlock& block);
   bool EndRow();
+  bool AppendRow();
   bool Flush();
 
   const Options& m_options;
@@ -48,7 +59,7 @@ class RowPrinter {
 
 bool RowPrinter::Print(const CTNParsedFileBlock& block) {
   if (!m_options.kinds[static_cast<std::size_t>(block.GetKind())]) return Skip(block);
-  m_mark = block.GetMatchText();
+  m_mark = OnOneLine(block.GetMatchText());
   if (m_colour) m_colours = ColourSequence(block.GetBackColour(), block.GetTextColour());
   CTNElementCursor cursor(*block.GetResult(), block.GetPlace());
   bool rowOpen = false;
@@ -73,14 +84,27 @@ bool RowPrinter::Skip(const CTNParsedFileBlock& block) {
 }
 
 bool RowPrinter::EndRow() {
-  ExpandTabs(m_row, m_options.tabStop);
   fmt::format_to(std::back_inserter(m_buffer), "{}\t", ++m_line);
-  m_buffer.append(m_mark).append(1, '\t').append(m_colours).append(m_row);
+  m_buffer.append(m_mark).append(1, '\t').append(m_colours);
+  if (!AppendRow()) return false;
   if (!m_colours.empty()) m_buffer += kColourReset;
   m_buffer += '\n';
   m_mark = GetMessageText(Msg::SameBlockMark);
   m_row.clear();
   return m_buffer.size() < kPiece || Flush();
+}
+
+/// In pieces that stay small when each of their characters is a tab.
+bool RowPrinter::AppendRow() {
+  constexpr std::size_t kRowPiece = 4096;
+  TabExpander tabs(m_options.tabStop);
+  for (std::string_view rest = m_row; !rest.empty();) {
+    const std::string_view piece = rest.substr(0, kRowPiece);
+    tabs.Append(m_buffer, piece);
+    rest.remove_prefix(piece.size());
+    if (m_buffer.size() >= kPiece && !Flush()) return false;
+  }
+  return true;
 }
 
 bool RowPrinter::Flush() {

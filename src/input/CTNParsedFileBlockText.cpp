@@ -75,19 +75,25 @@ void CTNParsedFileBlockElement::GetText(std::string& out, Markup markup, Newline
   AppendText(out, m_element, markup, newlines);
 }
 
-void ExpandTabs(std::string& text, int tabStop) {
-  if (tabStop < 1 || text.find('\t') == std::string::npos) return;
-  const auto stop = static_cast<std::size_t>(tabStop);
-  std::string expanded;
-  for (const char c : text) {
-    if (c != '\t') {
-      expanded += c;
-      continue;
-    }
-    const std::size_t column = expanded.size();
-    const std::size_t target = column <= stop ? stop : (column + stop - 1) / stop * stop;
-    expanded.append(target - column, ' ');
+void TabExpander::Append(std::string& out, std::string_view piece) {
+  while (!piece.empty()) {
+    const std::size_t tab = m_stop == 0 ? std::string_view::npos : piece.find('\t');
+    const std::string_view plain = piece.substr(0, tab);
+    out += plain;
+    m_column += plain.size();
+    if (tab == std::string_view::npos) return;
+    const std::size_t target =
+        m_column <= m_stop ? m_stop : (m_column + m_stop - 1) / m_stop * m_stop;
+    out.append(target - m_column, ' ');
+    m_column = target;
+    piece.remove_prefix(tab + 1);
   }
+}
+
+void ExpandTabs(std::string& text, int tabStop) {
+  if (text.find('\t') == std::string::npos) return;
+  std::string expanded;
+  TabExpander(tabStop).Append(expanded, text);
   text = std::move(expanded);
 }
 

@@ -2,7 +2,9 @@
 
 #include "input/CTNParsedFileBlockElement.h"
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bomparser {
@@ -27,10 +29,23 @@ class CTNParsedFileRow {
   std::vector<CTNParsedFileBlockElement> m_elements;
 };
 
-/// Expands the tabs of a shown text. A tab at column p gives blanks up to
-/// the next multiple of `tabStop` that is not 0 and not below p: a tab that stands exactly on such
-/// a column disappears, and all tabs before the first stop reach it. A tab stop below 1 leaves
+/// Expands the tabs of one shown row, which may come in pieces. A tab at column p gives blanks up
+/// to the next multiple of the tab stop that is not 0 and not below p: a tab that stands exactly on
+/// such a column disappears, and all tabs before the first stop reach it. A tab stop below 1 leaves
 /// tabs as they are.
+class TabExpander {
+ public:
+  explicit TabExpander(int tabStop) : m_stop(tabStop < 1 ? 0 : static_cast<std::size_t>(tabStop)) {}
+
+  /// Appends the next piece of the row to `out`.
+  void Append(std::string& out, std::string_view piece);
+
+ private:
+  std::size_t m_stop;
+  std::size_t m_column = 0;
+};
+
+/// Expands the tabs of a whole row.
 void ExpandTabs(std::string& text, int tabStop);
 
 }  // namespace bomparser

@@ -343,6 +343,14 @@ TEST(ExpandTabs, ATabStopBelow1LeavesTabs) {
   EXPECT_EQ(Expanded("a\tb", -3), "a\tb");
 }
 
+TEST(ExpandTabs, APieceGoesOnAtTheColumnOfTheOneBefore) {
+  TabExpander tabs(4);
+  std::string out;
+  for (const char* piece : {"ab", "", "\tc\t", "\td"})
+    tabs.Append(out, piece);
+  EXPECT_EQ(out, Expanded("ab\tc\t\td", 4));
+}
+
 TEST(ExpandTabs, ATextWithoutTabsStays) {
   EXPECT_EQ(Expanded("", 8), "");
   EXPECT_EQ(Expanded("no tabs", 3), "no tabs");
