@@ -60,10 +60,23 @@ ParsedCommandLine RefuseUsage(ParsedCommandLine parsed, const std::string& fault
   return parsed;
 }
 
+/// What is wrong with the command line, told so that the user finds it: an argument that no command
+/// knows is often why another one is missing.
+std::string UsageFault(const CLI::App& app, const CLI::ParseError& error) {
+  const auto code = static_cast<CLI::ExitCodes>(error.get_exit_code());
+  std::vector<std::string> unknown = app.remaining(true);
+  if (code != CLI::ExitCodes::RequiredError && code != CLI::ExitCodes::ExtrasError) unknown.clear();
+  if (unknown.empty()) return error.what();
+  for (std::string& argument : unknown)
+    argument = UnguardArgument(argument);
+  std::reverse(unknown.begin(), unknown.end());  // The error names them from the back.
+  return CLI::ExtrasError(std::move(unknown)).what();
+}
+
 /// Help and version are answered, everything else that stops the parser is wrong usage.
 ParsedCommandLine AnswerParseError(ParsedCommandLine parsed, const CLI::App& app,
                                    const CLI::ParseError& error) {
-  if (error.get_exit_code() != 0) return RefuseUsage(std::move(parsed), error.what());
+  if (error.get_exit_code() != 0) return RefuseUsage(std::move(parsed), UsageFault(app, error));
   const bool version = error.get_name() == "CallForVersion";
   parsed.output = version ? std::string(error.what()) + '\n' : app.help();
   return parsed;

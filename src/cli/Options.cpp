@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <fmt/format.h>
 #include <functional>
+#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -33,12 +35,15 @@ constexpr char kGuard = '\x01';
 /// What the parser takes for brackets around a list, for an empty one, or for the end of a command.
 constexpr std::string_view kGuardedStarts = "[{%+\x01";
 
+/// A number that is too large for its type is the largest one.
 template <class Number>
 bool ReadNumber(std::string_view text, Number& number) {
   Number read = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, failure] = std::from_chars(text.data(), end, read);
-  if (failure != std::errc() || stop != end || read < 1) return false;
+  if (text.starts_with('-') || stop != end) return false;
+  if (failure == std::errc::result_out_of_range) read = std::numeric_limits<Number>::max();
+  if (read < 1) return false;
   number = read;
   return true;
 }
@@ -120,6 +125,13 @@ void AddRunOptions(CLI::App& app, Options& options) {
 
 bool ReadCount(std::string_view text, std::int32_t& count) { return ReadNumber(text, count); }
 
+bool ReadTabStop(std::string_view text, std::int32_t& tabStop) {
+  std::int32_t read = 0;
+  if (!ReadCount(text, read) || read > kLargestTabStop) return false;
+  tabStop = read;
+  return true;
+}
+
 bool ReadLineRange(std::string_view text, LineRange& lines) {
   const std::size_t dash = text.find('-');
   const bool single = dash == std::string_view::npos;
@@ -163,6 +175,9 @@ std::vector<std::string> GuardArguments(const std::vector<std::string>& argument
     }
     const bool needed = !argument.empty() && kGuardedStarts.find(argument[0]) != std::string::npos;
     guarded.push_back(optionsOver || needed ? kGuard + argument : argument);
+    // The parser would take the next argument for the value that was left out.
+    const bool emptyValue = argument.starts_with("--") && argument.ends_with('=');
+    if (!optionsOver && emptyValue) guarded.back() += kGuard;
   }
   return guarded;
 }
@@ -204,7 +219,7 @@ void AddShowOptions(CLI::App& app, Options& options) {
   AddFlag(app, "--newlines", "mark where a line end was matched",
           [&options] { options.newlines = Newlines::Shown; });
   AddFormed(app, {"--tab-stop", "N", "columns from tab stop to tab stop (default: 8)"},
-            options.tabStop, ReadCount, "a number of 1 or more");
+            options.tabStop, ReadTabStop, fmt::format("a number from 1 to {}", kLargestTabStop));
   AddFormed(app,
             {"--only", "KINDS",
              "show these alone: a comma list of entity, auxiliary, unmatched, ignored"},

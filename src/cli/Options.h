@@ -19,6 +19,9 @@ namespace bomparser {
 /// The path that stands for standard input, output or error.
 constexpr std::string_view kStandardStreamPath = "-";
 
+/// Far beyond what anybody can look at; a line of nothing but tabs grows that many times.
+constexpr std::int32_t kLargestTabStop = 1000;
+
 /// Lines of a file from 1, both ends included.
 struct LineRange {
   std::uint64_t first = 1;
@@ -73,8 +76,10 @@ std::string FindFindFault(const Options& options);
 
 // The forms of option values. False leaves the value as it was.
 
-/// A whole number of 1 or more, digits only.
+/// A whole number of 1 or more, digits only. One that is too large for the type is the largest.
 bool ReadCount(std::string_view text, std::int32_t& count);
+/// The same up to kLargestTabStop.
+bool ReadTabStop(std::string_view text, std::int32_t& tabStop);
 /// "A-B", or "N" for one line.
 bool ReadLineRange(std::string_view text, LineRange& lines);
 /// Names of kinds, comma between them.

@@ -52,11 +52,12 @@ TEST(LineRange, IsTwoNumbersOrOne) {
   EXPECT_EQ(Range("7-7"), "7-7");
   EXPECT_EQ(Range("12"), "12-12");
   EXPECT_EQ(Range("1-18446744073709551615"), "1-18446744073709551615");
+  EXPECT_EQ(Range("2-18446744073709551616"), "2-18446744073709551615");
 }
 
 TEST(LineRange, OtherFormsAreRefused) {
   for (const char* text : {"", "-", "0", "0-3", "3-0", "5-3", "3-", "-3", "1-2-3", "a", "1-b", " 1",
-                           "1 - 2", "+1", "1,2", "18446744073709551616"}) {
+                           "1 - 2", "+1", "1,2"}) {
     EXPECT_EQ(Range(text), "none") << text;
   }
 }
@@ -77,9 +78,22 @@ TEST(ShownKinds, OtherFormsAreRefused) {
 TEST(Count, IsAWholeNumberOfOneOrMore) {
   EXPECT_EQ(Count("1"), "1");
   EXPECT_EQ(Count("2147483647"), "2147483647");
-  for (const char* text : {"", "0", "-1", "+1", "1.0", "1 ", "x", "2147483648"}) {
+  EXPECT_EQ(Count("2147483648"), "2147483647");
+  EXPECT_EQ(Count("99999999999999999999999"), "2147483647");
+  for (const char* text : {"", "0", "-1", "+1", "1.0", "1 ", "x", "-99999999999999999999999"}) {
     EXPECT_EQ(Count(text), "none") << text;
   }
+}
+
+TEST(TabStop, IsACountThatFitsOnAScreen) {
+  std::int32_t tabStop = 8;
+  EXPECT_TRUE(ReadTabStop("1000", tabStop));
+  EXPECT_EQ(tabStop, 1000);
+  EXPECT_TRUE(ReadTabStop("1", tabStop));
+  for (const char* text : {"0", "1001", "99999999999999999999999", "-1", ""}) {
+    EXPECT_FALSE(ReadTabStop(text, tabStop)) << text;
+  }
+  EXPECT_EQ(tabStop, 1);
 }
 
 TEST(CommandLine, ApplyTakesItsOptionsInAnyOrder) {
@@ -151,9 +165,25 @@ TEST(CommandLine, WhatIsWrongIsSaid) {
             "2 the list needs a file: standard output carries the path of the template "
             "(see bomparser find --help)");
   EXPECT_EQ(Outcome({"show", "-t", "t", "--tab-stop", "0", "a"}),
-            "2 --tab-stop: '0' is not a number of 1 or more (see bomparser show --help)");
+            "2 --tab-stop: '0' is not a number from 1 to 1000 (see bomparser show --help)");
   EXPECT_EQ(Outcome({"learn", "a"}), "2 -o is required (see bomparser learn --help)");
   EXPECT_EQ(Outcome({"check"}), "2 TEMPLATE is required (see bomparser check --help)");
+}
+
+TEST(CommandLine, AnArgumentThatNobodyKnowsIsNamedBeforeOneThatIsMissing) {
+  EXPECT_EQ(Outcome({"show", "--bogus", "i", "--worse"}),
+            "2 The following arguments were not expected: --bogus --worse "
+            "(see bomparser show --help)");
+  EXPECT_EQ(Outcome({"show", "-t", "t", "[a]", "[b]"}),
+            "2 The following argument was not expected: [b] (see bomparser show --help)");
+}
+
+TEST(CommandLine, AnEmptyValueIsNotTheNextArgument) {
+  EXPECT_EQ(Outcome({"show", "-t", "t", "--only=", "i"}),
+            "2 --only: '' is not a comma list of entity, auxiliary, unmatched and ignored "
+            "(see bomparser show --help)");
+  EXPECT_EQ(Parsed({"apply", "-t", "t", "--stats=", "i"}).statsFile, "");
+  EXPECT_EQ(Parsed({"apply", "-t", "t", "--", "--stats="}).inputs, Arguments{"--stats="});
 }
 
 TEST(CommandLine, EveryOtherMistakeIsWrongUsage) {
