@@ -163,12 +163,11 @@ int CXMLArchive::WalkDocument() {
 /// Runs what may need much memory; nothing thrown leaves the archive.
 template <class Work>
 int CXMLArchive::Guard(Work work) {
+  m_outOfMemory = false;
   try {
     return work(Use());
   } catch (const std::bad_alloc&) {
-    if (m_own != nullptr) {
-      m_own->error = XmlStatusText(kXmlOutOfMemory);
-    }
+    m_outOfMemory = true;
     return kXmlOutOfMemory;
   }
 }
@@ -220,6 +219,7 @@ const XmlParseFailure& CXMLArchive::LastParseFailure() const {
 
 const std::string& CXMLArchive::LastError() const {
   static const std::string s_none;
+  if (m_outOfMemory) return XmlStatusText(kXmlOutOfMemory);
   return m_own != nullptr ? m_own->error : s_none;
 }
 

@@ -153,6 +153,7 @@ class CXMLArchive {
 
   std::unique_ptr<Own> m_own;
   int m_writeStatus = kXmlOk;
+  bool m_outOfMemory = false;  // So ended the last Load, LoadFile or GetXml.
 };
 
 }  // namespace bomparser

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
+#include <libxml/valid.h>
 #include <libxml/xmlerror.h>
 #include <libxml/xmlsave.h>
 #include <new>
@@ -90,8 +91,12 @@ class ErrorListener {
   ~ErrorListener() { xmlSetStructuredErrorFunc(m_contextBefore, m_handlerBefore); }
 
   bool HeardFatal() const { return m_level == XML_ERR_FATAL; }
+  bool IsOutOfMemory() const { return m_outOfMemory; }
   int Line() const { return m_line; }
   const std::string& Reason() const { return m_reason; }
+
+  bool HeardNothing() const { return m_level == XML_ERR_NONE && !m_outOfMemory; }
+  void KeepOutOfMemory() { m_outOfMemory = true; }
 
   /// Keeps an error that this side of the door found.
   void KeepFatal(int line, const std::string& reason) {
@@ -105,11 +110,12 @@ class ErrorListener {
     try {
       static_cast<ErrorListener*>(listener)->Keep(*error);
     } catch (const std::bad_alloc&) {
-      // Without memory for the reason the failure is reported without one.
+      static_cast<ErrorListener*>(listener)->KeepOutOfMemory();
     }
   }
 
   void Keep(const xmlError& error) {
+    if (error.code == XML_ERR_NO_MEMORY) m_outOfMemory = true;
     if (error.level < XML_ERR_ERROR || error.level <= m_level) {
       return;
     }
@@ -132,6 +138,7 @@ class ErrorListener {
   xmlStructuredErrorFunc m_handlerBefore;
   void* m_contextBefore;
   xmlErrorLevel m_level = XML_ERR_NONE;
+  bool m_outOfMemory = false;
   int m_line = 0;
   std::string m_reason;
 };
@@ -227,7 +234,7 @@ class EntityGuard {
     try {
       guard.m_listener.KeepFatal(parser.input->line, FormatMessageText(reason, FromXml(name)));
     } catch (const std::bad_alloc&) {
-      // Without memory for the reason the parser's own complaint is reported.
+      guard.m_listener.KeepOutOfMemory();
     }
     return nullptr;
   }
@@ -237,7 +244,7 @@ class EntityGuard {
 };
 
 /// Cuts a UTF-8 text that is too long for a message, between two characters.
-std::string CutLineText(std::string text) {
+std::string CutForReading(std::string text) {
   if (text.size() <= kXmlMaxLineText) return text;
   std::size_t end = kXmlMaxLineText;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
@@ -266,15 +273,32 @@ std::string SourceLine(std::string_view bytes, int line) {
   if (text.ends_with('\r')) {
     text.remove_suffix(1);
   }
-  return CutLineText(IsUtf8(text) ? std::string(text) : Windows1252ToUtf8(text));
+  return CutForReading(IsUtf8(text) ? std::string(text) : Windows1252ToUtf8(text));
 }
 
-/// Null when the bytes are not well-formed.
+/// A document type that stands in the document itself is kept to. One that stands elsewhere is not
+/// read, so nothing can be said about it.
+bool DeclaresItsElements(const xmlDoc& doc) {
+  const xmlDtd* const type = doc.intSubset;
+  return type != nullptr && type->elements != nullptr && type->SystemID == nullptr &&
+         type->ExternalID == nullptr;
+}
+
+struct ValidityDeleter {
+  void operator()(xmlValidCtxt* context) const { xmlFreeValidCtxt(context); }
+};
+
+bool IsAsDeclared(xmlDoc& doc) {
+  if (!DeclaresItsElements(doc)) return true;
+  const std::unique_ptr<xmlValidCtxt, ValidityDeleter> context(xmlNewValidCtxt());
+  if (context == nullptr) throw std::bad_alloc();
+  return xmlValidateDocument(context.get(), &doc) == 1;
+}
+
+/// Null when the bytes are not well-formed, or not what their document type declares.
 DocPtr ParseBytes(std::string_view bytes, ErrorListener& listener) {
   const ParserPtr parser(xmlNewParserCtxt());
-  if (parser == nullptr) {
-    return nullptr;
-  }
+  if (parser == nullptr) throw std::bad_alloc();
   const EntityGuard guard(*parser, listener);
   DocPtr doc(xmlCtxtReadMemory(parser.get(), bytes.empty() ? "" : bytes.data(),
                                static_cast<int>(bytes.size()), nullptr, nullptr, kParseOptions));
@@ -283,10 +307,11 @@ DocPtr ParseBytes(std::string_view bytes, ErrorListener& listener) {
   if (!listener.HeardFatal() && rest != nullptr && rest->cur < rest->end) {
     listener.KeepFatal(rest->line, GetMessageText(Msg::XmlNulCharacter));
   }
-  return listener.HeardFatal() ? nullptr : std::move(doc);
+  if (listener.HeardFatal() || doc == nullptr) return nullptr;
+  return IsAsDeclared(*doc) ? std::move(doc) : nullptr;
 }
 
-/// Parses into `doc`, or leaves it empty and tells why.
+/// Parses into `doc`, or leaves it empty and tells why. Throws std::bad_alloc.
 bool ParseInto(DocPtr& doc, std::string_view bytes, XmlParseFailure& failure) {
   if (bytes.size() > kMaxDocumentBytes) {
     failure = {0, "", FormatMessageText(Msg::XmlTooLarge, kMaxDocumentBytes)};
@@ -294,11 +319,13 @@ bool ParseInto(DocPtr& doc, std::string_view bytes, XmlParseFailure& failure) {
   }
   ErrorListener listener;
   doc = ParseBytes(bytes, listener);
+  // Where the memory ends the library may take what it has read for all there is, or blame a line.
+  const bool failedSilently = doc == nullptr && listener.HeardNothing();
+  if (listener.IsOutOfMemory() || failedSilently) throw std::bad_alloc();
   failure = {};
   if (doc == nullptr) {
-    const bool told = !listener.Reason().empty();
     failure = {listener.Line(), SourceLine(bytes, listener.Line()),
-               told ? listener.Reason() : GetMessageText(Msg::XmlNotWellFormed)};
+               CutForReading(listener.Reason())};
   }
   return doc != nullptr;
 }

@@ -66,7 +66,7 @@ struct XmlParseFailure {
   /// That line without its line end, UTF-8; may be empty (UTF-16 sources). Of a long one the first
   /// kXmlMaxLineText bytes or so, and " ...".
   std::string lineText;
-  std::string reason;  ///< One or more lines without a trailing line break.
+  std::string reason;  ///< One or more lines without a trailing line break, cut in the same way.
 
   bool operator==(const XmlParseFailure&) const = default;
 };
@@ -93,9 +93,9 @@ class XmlDocument {
   /// the text declares (or its byte order mark shows), UTF-8 without any.
   ///
   /// False, with the first error in `failure` and the document empty, when the text is not
-  /// well-formed, too large, nested deeper than kXmlMaxDepth, or refers to an entity other than the
-  /// five that XML itself has: expanding those is the way to read foreign files and to fill the
-  /// memory, and no template needs them.
+  /// well-formed, not what a document type inside it declares, too large, nested deeper than
+  /// kXmlMaxDepth, or refers to an entity other than the five that XML itself has: expanding those
+  /// is the way to read foreign files and to fill the memory, and no template needs them.
   bool ParseText(std::string_view bytes, XmlParseFailure& failure);
 
   /// The same from a file. A file that cannot be read (missing, a folder, no permission) fails with
@@ -116,7 +116,8 @@ class XmlDocument {
   std::unique_ptr<Data> m_data;
 };
 
-// What is larger than this could not be read back: the library's own limits, kept as a protection.
+// What is larger than this is not written: these are the limits that the library keeps to when it
+// reads, as a protection, and beyond them reading back is not certain.
 
 inline constexpr int kXmlMaxDepth = 256;                         ///< Elements within elements.
 inline constexpr std::size_t kXmlMaxTextBytes = 10'000'000;      ///< Of one text.

@@ -8,9 +8,16 @@ namespace {
 
 constexpr std::int64_t kNever = -1;
 thread_local std::int64_t s_granted = kNever;
+thread_local bool s_failsOn = false;
+thread_local bool s_failed = false;
 
 void* Allocate(std::size_t size) noexcept {
-  if (s_granted >= 0 && s_granted-- == 0) return nullptr;
+  if (s_granted == 0) {
+    s_failed = true;
+    if (!s_failsOn) s_granted = kNever;
+    return nullptr;
+  }
+  if (s_granted > 0) --s_granted;
   return std::malloc(size != 0 ? size : 1);
 }
 
@@ -35,8 +42,12 @@ void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free
 
 namespace bomparser::test {
 
-FailingMemory::FailingMemory(std::int64_t granted) { s_granted = granted; }
+FailingMemory::FailingMemory(std::int64_t granted, MemoryFails fails) {
+  s_failsOn = fails == MemoryFails::FromThenOn;
+  s_failed = false;
+  s_granted = granted;
+}
 FailingMemory::~FailingMemory() { s_granted = kNever; }
-bool FailingMemory::HasFailed() const { return s_granted == kNever; }
+bool FailingMemory::HasFailed() const { return s_failed; }
 
 }  // namespace bomparser::test

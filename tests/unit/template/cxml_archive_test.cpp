@@ -1,7 +1,10 @@
 #include "input/MessageTexts.h"
 #include "template/CXMLArchive.h"
+#include "tests/support/FailingMemory.h"
+#include "tnbase/SystemReason.h"
 
 #include <bit>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -18,6 +21,10 @@
 
 namespace bomparser {
 namespace {
+
+using test::FailsAfter;
+using test::ForEveryAllocation;
+using test::MemoryFails;
 
 /// An owned object of a Shelf: one attribute, one element.
 class Item : public CXMLArchive {
@@ -388,7 +395,7 @@ TEST(CXMLArchive, DeepNestingGivesAClearError) {
   }
   Shelf shelf;
   EXPECT_EQ(shelf.Load(text), kXmlNotWellFormed);
-  EXPECT_NE(shelf.LastError().find("depth"), std::string::npos) << shelf.LastError();
+  EXPECT_EQ(shelf.LastError(), FormatMessageText(Msg::XmlDocumentTooDeep, kXmlMaxDepth));
 }
 
 TEST(CXMLArchive, NothingIsPrinted) {
@@ -629,6 +636,104 @@ TEST(CXMLArchive, NastyTextsAreReadBackExactly) {
     EXPECT_EQ(read->items[0]->kind, text);
     EXPECT_EQ(read->items[0]->text, text);
   }
+}
+
+// --- Out of memory
+
+/// Lets every allocation of the work on a new Shelf fail in turn, alone and with all behind it. The
+/// status must be the expected one, or tell that memory ran out: in its own way or by the reason
+/// `unread`. `check` is called in any case.
+template <class Work, class Check>
+void ExpectSurvivesFailures(int expected, Work work, Check check, const std::string& unread = {}) {
+  for (const MemoryFails fails : {MemoryFails::Once, MemoryFails::FromThenOn}) {
+    int told = 0;
+    ForEveryAllocation([&](std::int64_t granted) {
+      Shelf shelf;
+      shelf.Add("kind", "an item that is too long to be kept without memory");
+      int status = kXmlOk;
+      const bool failed = FailsAfter(
+          granted, [&] { status = work(shelf); }, fails);
+      if (status == kXmlOutOfMemory) {
+        ++told;
+        EXPECT_TRUE(failed);
+        EXPECT_EQ(shelf.LastError(), XmlStatusText(kXmlOutOfMemory));
+      } else if (status != expected) {
+        EXPECT_EQ(shelf.LastError(), unread) << granted;
+      }
+      check(shelf, status);
+      return failed;
+    });
+    EXPECT_GT(told, 0);
+  }
+}
+
+/// After any failure the archive can be used as before.
+void ExpectUsable(Shelf& shelf, int) {
+  EXPECT_EQ(shelf.Load("<SHELF><TITLE>t</TITLE><COUNT>1</COUNT><SCALE>2</SCALE></SHELF>"), kXmlOk);
+  EXPECT_EQ(shelf.LastError(), "");
+  EXPECT_EQ(ValuesOf(shelf), "t|1|2.000000");
+}
+
+constexpr char kDocument[] =
+    "<SHELF><TITLE>a title that is too long to be kept without memory</TITLE>\n"
+    "<ITEM KIND='a kind that is too long to be kept'/></SHELF>";
+
+TEST(CXMLArchiveWithoutMemory, LoadGivesItsStatusOrSaysSo) {
+  const auto load = [](std::string_view text) {
+    return [text](Shelf& shelf) { return shelf.Load(text); };
+  };
+  ExpectSurvivesFailures(kXmlOk, load(kDocument), [](Shelf& shelf, int status) {
+    if (status == kXmlOk) {
+      EXPECT_EQ(shelf.title, "a title that is too long to be kept without memory");
+      EXPECT_EQ(shelf.items.size(), 2u);
+    }
+    ExpectUsable(shelf, status);
+  });
+  for (const char* text :
+       {"<SHELF>\n<TITLE></SHELF>", "<SHELF><TITLE>a text with an &entity;</TITLE></SHELF>",
+        "<!DOCTYPE SHELF [<!ELEMENT SHELF EMPTY>]><SHELF>a text that must not be here</SHELF>"}) {
+    ExpectSurvivesFailures(kXmlNotWellFormed, load(text), ExpectUsable);
+  }
+}
+
+TEST(CXMLArchiveWithoutMemory, LoadFileGivesItsStatusOrSaysSo) {
+  const auto path = std::filesystem::temp_directory_path() /
+                    ("bomparser_archive_" + std::to_string(std::random_device()()) + ".xml");
+  std::ofstream(path, std::ios::binary) << kDocument;
+  const std::string name = path.string();
+  const auto load = [&name](Shelf& shelf) { return shelf.LoadFile(name); };
+  const std::string unread = SystemReason("cannot read", name, ENOMEM);
+  ExpectSurvivesFailures(kXmlOk, load, ExpectUsable, unread);
+  std::filesystem::remove(path);
+  ExpectSurvivesFailures(kXmlNotWellFormed, load, ExpectUsable);
+}
+
+TEST(CXMLArchiveWithoutMemory, GetXmlGivesTheTextOrSaysSo) {
+  Shelf undisturbed;
+  undisturbed.Add("kind", "an item that is too long to be kept without memory");
+  const std::string whole = XmlOf(undisturbed);
+  std::string text;
+  ExpectSurvivesFailures(
+      kXmlOk,
+      [&text](Shelf& shelf) {
+        text = "unchanged";
+        return shelf.GetXml(text);
+      },
+      [&](Shelf& shelf, int status) {
+        EXPECT_EQ(text, status == kXmlOk ? whole : "unchanged");
+        EXPECT_EQ(XmlOf(shelf), whole);
+      });
+}
+
+TEST(CXMLArchiveWithoutMemory, GetXmlOfWhatCannotBeWrittenGivesItsStatusOrSaysSo) {
+  ExpectSurvivesFailures(
+      kXmlGeneralFailure,
+      [](Shelf& shelf) {
+        std::string text;
+        shelf.title = "\x01";
+        return shelf.GetXml(text);
+      },
+      ExpectUsable);
 }
 
 // --- Copies

@@ -1,5 +1,6 @@
 #include "input/MessageTexts.h"
 #include "template/XmlDom.h"
+#include "tests/support/Repeat.h"
 
 #include <filesystem>
 #include <fstream>
@@ -13,13 +14,7 @@
 namespace bomparser {
 namespace {
 
-std::string Repeat(std::string_view text, int count) {
-  std::string all;
-  for (int i = 0; i < count; ++i) {
-    all += text;
-  }
-  return all;
-}
+using test::Repeat;
 
 /// Every second byte is 0, as plain text looks in UTF-16 with the low byte first.
 std::string Utf16(std::string_view ascii) {
@@ -241,6 +236,14 @@ TEST_F(XmlDomTest, LongLineIsCutBetweenTwoCharacters) {
   EXPECT_EQ(m_failure.lineText, whole);
 }
 
+TEST_F(XmlDomTest, LongReasonIsCut) {
+  EXPECT_FALSE(Parses("<A>\n<" + std::string(2 * kXmlMaxLineText, 'x') + "></A>"));
+  EXPECT_EQ(m_failure.line, 2);
+  EXPECT_EQ(m_failure.reason.size(), kXmlMaxLineText + 4);
+  EXPECT_TRUE(m_failure.reason.starts_with("Opening and ending tag mismatch: xxx"));
+  EXPECT_TRUE(m_failure.reason.ends_with("xxx ..."));
+}
+
 TEST_F(XmlDomTest, NestingDeeperThanTheLimitGivesAClearError) {
   constexpr int kFarTooDeep = 100'000;
   EXPECT_FALSE(Parses(Repeat("<A>", kFarTooDeep) + Repeat("</A>", kFarTooDeep)));
@@ -260,6 +263,35 @@ TEST_F(XmlDomTest, NothingIsPrinted) {
   TextRefusal("\x01");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+// --- Document types
+
+TEST_F(XmlDomTest, DocumentTypeInTheDocumentIsKeptTo) {
+  const std::string type = "<!DOCTYPE A [<!ELEMENT A (B*)><!ELEMENT B EMPTY>]>\n";
+  EXPECT_EQ(FailureOf(type + "<A>\n<B>x</B></A>"),
+            "3: Element B was declared EMPTY this one has content");
+  EXPECT_EQ(m_failure.lineText, "<B>x</B></A>");
+  EXPECT_EQ(FailureOf(type + "<A><C/></A>"),
+            "2: Element A content does not follow the DTD, expecting (B)*, got (C)");
+  EXPECT_EQ(FailureOf(type + "<A B='1'/>"), "2: No declaration for attribute B of element A");
+  EXPECT_EQ(FailureOf(type + "<B/>"), "2: root and DTD name do not match 'B' and 'A'");
+  ASSERT_TRUE(Parses(type + "<A><B/><B/></A>")) << m_failure.reason;
+  EXPECT_EQ(Names(m_document.Root()), "A B B");
+}
+
+TEST_F(XmlDomTest, DocumentTypeThatStandsElsewhereIsNotKeptTo) {
+  for (const std::string where : {"SYSTEM 'none.dtd'", "PUBLIC 'none' 'none.dtd'"}) {
+    ASSERT_TRUE(Parses("<!DOCTYPE A " + where + "><A>x</A>")) << m_failure.reason;
+    ASSERT_TRUE(Parses("<!DOCTYPE A " + where + " [<!ELEMENT A EMPTY>]><A>x</A>"))
+        << m_failure.reason;
+    EXPECT_EQ(Names(m_document.Root()), "A #text");
+  }
+}
+
+TEST_F(XmlDomTest, DocumentTypeWithoutElementsSaysNothing) {
+  ASSERT_TRUE(Parses("<!DOCTYPE B><A>x</A>")) << m_failure.reason;
+  ASSERT_TRUE(Parses("<!DOCTYPE B []><A>x</A>")) << m_failure.reason;
 }
 
 // --- Entities
