@@ -72,6 +72,8 @@ bool CTNParsedFileBlock::AddFieldText(std::string_view text, const CTNMatchedFie
   if (sub && (nested == nullptr || !nested->m_filling || field.GetMatchedSubRecord() == nullptr)) {
     return false;
   }
+  const bool filled = sub && !nested->m_filling->layout->Records().empty();
+  if (filled && nested->m_filling->layout->IndexOf(field.GetMatchedSubRecord()) != 0) return false;
   filling.built = nullptr;
   if (!again) {
     filling.SkipTo(index);
@@ -81,7 +83,6 @@ bool CTNParsedFileBlock::AddFieldText(std::string_view text, const CTNMatchedFie
     filling.instancesOpen = true;
     Filling empty;
     empty.layout->Describe(*field.GetMatchedSubRecord());
-    const bool filled = !nested->m_filling->layout->Records().empty();
     return filling.AddInstance(filled ? *nested->m_filling : empty);
   }
   const bool lineEnd = field.GetFieldKind() == FieldKind::Newline;
@@ -192,9 +193,8 @@ void CTNParsedFileBlock::AppendFieldValue(std::string& out, const CTNMatchedFiel
                                           Tags tags) const {
   if (field.GetFieldKind() == FieldKind::SubRecord) {
     ForEachInstance(field, [&out, tags](const CTNParsedFileBlock& block) {
-      if (const CTNMatchedRecord* record = block.GetMatchedRecord()) {
-        record->BuildEntityText(out, block, tags);
-      }
+      const CTNMatchedRecord* record = nullptr;
+      if (block.GetRecord(record)) record->BuildEntityText(out, block, tags);
     });
     return;
   }
@@ -218,9 +218,8 @@ void CTNParsedFileBlockSubRecElement::GetText(std::string& out, Markup markup,
 }
 
 void CTNParsedFileBlockSubRecElement::GetValue(std::string& out, Tags tags) const {
-  if (const CTNMatchedRecord* record = m_block->GetMatchedRecord()) {
-    record->BuildEntityText(out, *m_block, tags);
-  }
+  const CTNMatchedRecord* record = nullptr;
+  if (m_block->GetRecord(record)) record->BuildEntityText(out, *m_block, tags);
 }
 
 }  // namespace bomparser

@@ -129,7 +129,7 @@ std::string CTNParsedFileBlock::GetMatchText() const {
     case BlockKind::Auxiliary:
       break;
   }
-  return record.name + " (" + record.id + ")";
+  return FormatMessageText(Msg::MatchingRecordFormat, record.name, record.id);
 }
 
 Colour CTNParsedFileBlock::GetBackColour() const {

@@ -39,8 +39,11 @@ bool CTNParserErrorLog::AddMessage(std::string_view text) {
 
 std::vector<std::string> CTNParserErrorLog::GetAllLines() const {
   std::vector<std::string> lines;
-  for (const CTNParserError& error : m_errors) {
-    lines.insert(lines.end(), error.GetLines().begin(), error.GetLines().end());
+  try {
+    for (const CTNParserError& error : m_errors)
+      lines.insert(lines.end(), error.GetLines().begin(), error.GetLines().end());
+  } catch (const std::bad_alloc&) {
+    lines.clear();  // A part of the log would pass for all of it.
   }
   return lines;
 }

@@ -25,7 +25,8 @@ class CTNParserErrorLog {
 
   /// Appends an error of one line. False when memory ran out.
   bool AddMessage(std::string_view text);
-  /// All lines of all errors, in order: what a dialog or a terminal shows.
+  /// All lines of all errors, in order: what a dialog or a terminal shows. None when memory runs
+  /// out.
   std::vector<std::string> GetAllLines() const;
   void SetLogName(std::string_view name) { m_logName = name; }
   const std::string& GetLogName() const { return m_logName; }

@@ -287,6 +287,8 @@ void CTNParserInFile::CloseAndReset() {
   m_outputPath.clear();
   Close();
   m_blocks.DeleteAll();
+  m_text = CTNStringCharBuffIter();
+  m_lengthRead = 0;
 }
 
 }  // namespace bomparser

@@ -53,7 +53,7 @@ class CTNParserInFile final : public CTNTextFile, public CTNParserArrayElement {
   bool IsStale() const { return m_stale; }
   void SetStale(bool stale) { m_stale = stale; }
   void SetOutputDone(bool done) { m_outputDone = done; }
-  void SetOutputPath(const std::string& path) { m_outputPath = path; }
+  void SetOutputPath(std::string path) { m_outputPath = std::move(path); }
   const std::string& GetOutputPath() const { return m_outputPath; }
   const CTNParsedBlockPtrArray& GetBlocks() const { return m_blocks; }
   CTNInFileErrorLog& GetErrorLog() { return m_errorLog; }

@@ -12,9 +12,24 @@
 
 namespace bomparser {
 
+namespace {
+
+/// True for every identifier and attribute, whether or not there is one of that name.
+bool CanMeanSomething(const std::string& token) {
+  std::size_t index = 0;
+  for (const Msg prefix : {Msg::InputFieldIdPrefix, Msg::OutputElementIdPrefix, Msg::EntityIdPrefix,
+                           Msg::AuxiliaryIdPrefix}) {
+    if (ReadIdentifier(token, prefix, index)) return true;
+  }
+  return CTNTemplateRecord::IsAttributeName(token) ||
+         CTNParserTemplate::IsTemplateAttributeName(token);
+}
+
+}  // namespace
+
 CTNIdentifierKeeper::CTNIdentifierKeeper(CTNTemplateRecord& record)
     : m_template(record.GetTemplate()) {
-  if (m_template != nullptr && m_template->Holds(&record)) {
+  if (m_template != nullptr && m_template->Lists(&record)) {
     Remember(*m_template);
   } else {
     m_template = nullptr;
@@ -120,14 +135,15 @@ std::string CTNIdentifierKeeper::Renamed(const CTNTemplateRecord& record,
     const void* meaning = nullptr;
     const auto scope = dotted != nullptr ? m_fields.find(dotted) : own;
     const CTNTemplateRecord* meant = dotted != nullptr ? nullptr : RecordMeant(token);
-    const bool scopeIsGone = dotted != nullptr && ids.find(dotted) == ids.end();
-    dotted = token == "." ? before : nullptr;
+    const CTNTemplateRecord* const goneScope =
+        dotted != nullptr && idOf(dotted, {}) == gone ? dotted : nullptr;
+    dotted = token == "." ? (goneScope != nullptr ? goneScope : before) : nullptr;
     before = nullptr;
-    if (scope != m_fields.end() && MeansSomething(scope->second, token, meaning)) {
-      renamed += idOf(meaning, written);
-    } else if (scopeIsGone && CTNTemplateRecord::IsAttributeName(token)) {
-      // Alone it would mean the attribute of the expression's own record.
+    if (goneScope != nullptr && CanMeanSomething(token)) {
+      // Alone it would mean something of the expression's own record, or of the template.
       renamed += gone;
+    } else if (scope != m_fields.end() && MeansSomething(scope->second, token, meaning)) {
+      renamed += idOf(meaning, written);
     } else if (meant != nullptr) {
       before = meant;
       renamed += idOf(meant, written);
@@ -151,8 +167,8 @@ void CTNIdentifierKeeper::Apply() {
       }
     }
   }
-  for (const auto& [element, text] : changes)
-    element->SetExpression(text);
+  for (auto& [element, text] : changes)
+    element->SetExpression(std::move(text));
   for (CTNTemplateRecord* record : records)
     record->ReparseOutputExpressions();
 }

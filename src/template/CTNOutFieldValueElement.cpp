@@ -13,10 +13,8 @@ namespace {
 /// Runs `follow` unless the value has followed too many references already.
 template <class Follow>
 void FollowReference(Follow follow) {
-  ReferenceBudget& budget = ReferenceBudget::OfThisThread();
-  if (!budget.Enter()) return;
-  follow();
-  budget.Leave();
+  const ReferenceBudget::Reference reference(ReferenceBudget::OfThisThread());
+  if (reference.MayBeFollowed()) follow();
 }
 
 }  // namespace

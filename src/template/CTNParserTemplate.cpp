@@ -9,6 +9,7 @@
 #include "tnbase/TNPath.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 namespace bomparser {
@@ -27,6 +28,9 @@ std::string UnitsName(std::int32_t units) {
 
 CTNParserTemplate::CTNParserTemplate(CTNParserContext* context)
     : CTNTemplateArrayElement(context), m_catchAll(this), m_ignoredLines(this) {
+  m_catchAll.InitCatchAll();
+  m_ignoredLines.InitCatchAll();
+  m_ignoredLines.SetType(RecordKind::IgnoredLines);
   CTNParserTemplate::Init();
 }
 
@@ -34,10 +38,18 @@ CTNParserTemplate::~CTNParserTemplate() = default;
 
 std::int32_t CTNParserTemplate::Init() {
   if (CTNTemplateArrayElement::Init() == 0) return 0;
+  DropContent();
+  m_errorLog.ClearLog();
+  m_errorLog.SetLogName(GetMessageText(Msg::TemplateErrorLogName));
+  return 1;
+}
+
+void CTNParserTemplate::DropContent() {
+  // Nothing here takes memory, so that there is always a way back to an empty template. The
+  // built-in records stay as they were made.
   DeleteAllRecords();
-  m_catchAll.InitCatchAll();
-  m_ignoredLines.InitCatchAll();
-  m_ignoredLines.SetType(RecordKind::IgnoredLines);
+  m_catchAll.ClearValues();
+  m_ignoredLines.ClearValues();
   m_filePath = GetMessageText(Msg::UnsavedPath);
   m_title = GetMessageText(Msg::UntitledTemplate);
   m_units = 0;
@@ -46,10 +58,7 @@ std::int32_t CTNParserTemplate::Init() {
   m_beginRow = 1;
   m_endAfterRow = 0;
   m_modified = false;
-  m_errorLog.ClearLog();
-  m_errorLog.SetLogName(GetMessageText(Msg::TemplateErrorLogName));
   m_empty = true;
-  return 1;
 }
 
 // ------------------------------------------------------------------------------- records
@@ -67,58 +76,130 @@ void CTNParserTemplate::Renumber(RecordList& list, std::size_t from) {
     list[i]->m_position = i;
 }
 
-CTNTemplateRecord* CTNParserTemplate::Insert(std::unique_ptr<CTNTemplateRecord> record,
-                                             const CTNTemplateRecord* before) {
+/// Runs an edit. Where memory runs out the error log says so, and the answer is null or false.
+template <class Edit>
+auto CTNParserTemplate::Guard(Edit edit) -> decltype(edit()) {
   try {
-    RecordList& list = ListOf(record->GetType());
-    CTNTemplateRecord* const added = record.get();
-    const bool inList = before != nullptr && Holds(before) && &ListOf(before->GetType()) == &list;
-    if (!inList) {
-      list.push_back(std::move(record));
-      added->m_position = list.size() - 1;
-      return added;
-    }
-    CTNIdentifierKeeper keeper(*this);
-    const std::size_t place = before->m_position;
-    list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), std::move(record));
-    Renumber(list, place);
-    keeper.Apply();
-    return added;
+    return edit();
   } catch (const std::bad_alloc&) {
     ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
-    return nullptr;
+    return {};
   }
+}
+
+CTNTemplateRecord* CTNParserTemplate::Append(std::unique_ptr<CTNTemplateRecord> record) {
+  RecordList& list = ListOf(record->GetType());
+  list.push_back(std::move(record));
+  list.back()->m_position = list.size() - 1;
+  try {
+    if (list.back()->MayMeanMore()) NoteMayMeanMore(*list.back());
+  } catch (const std::bad_alloc&) {
+    list.pop_back();
+    throw;
+  }
+  return list.back().get();
+}
+
+CTNTemplateRecord* CTNParserTemplate::Insert(std::unique_ptr<CTNTemplateRecord> record,
+                                             const CTNTemplateRecord* before) {
+  RecordList& list = ListOf(record->GetType());
+  const bool inList = before != nullptr && Holds(before) && &ListOf(before->GetType()) == &list;
+  if (!inList) {
+    CTNTemplateRecord* const added = Append(std::move(record));
+    // Texts that named nobody so far may name this one.
+    ReparseWhatMayMeanMore();
+    return added;
+  }
+  CTNIdentifierKeeper keeper(*this);
+  const std::size_t place = before->m_position;
+  PutAt(list, place, std::move(record));
+  try {
+    keeper.Apply();
+  } catch (const std::bad_alloc&) {
+    m_mayMeanMore.erase(list[place].get());
+    TakeFrom(list, place);
+    throw;
+  }
+  return list[place].get();
+}
+
+void CTNParserTemplate::PutAt(RecordList& list, std::size_t place,
+                              std::unique_ptr<CTNTemplateRecord> record) {
+  list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), std::move(record));
+  Renumber(list, place);
+}
+
+std::unique_ptr<CTNTemplateRecord> CTNParserTemplate::TakeFrom(RecordList& list,
+                                                               std::size_t place) {
+  std::unique_ptr<CTNTemplateRecord> taken = std::move(list[place]);
+  list.erase(list.begin() + static_cast<std::ptrdiff_t>(place));
+  Renumber(list, place);
+  return taken;
 }
 
 CTNTemplateRecord* CTNParserTemplate::AddRecord(RecordKind kind, std::string_view description,
                                                 const CTNTemplateRecord* before) {
-  auto record = std::make_unique<CTNTemplateRecord>(this);
-  record->SetType(kind);
-  record->SetDescription(description);
-  return Insert(std::move(record), before);
+  return Guard([&] {
+    auto record = std::make_unique<CTNTemplateRecord>(this);
+    record->SetType(kind);
+    record->SetDescription(description);
+    return Insert(std::move(record), before);
+  });
 }
 
 CTNTemplateRecord* CTNParserTemplate::AddRecordCopy(const CTNTemplateRecord& record) {
-  auto copy = std::make_unique<CTNTemplateRecord>(this);
-  copy->Copy(record);
-  CTNTemplateRecord* const added = Insert(std::move(copy), nullptr);
-  // While it was being filled, elements could not name those behind them.
-  if (added != nullptr) added->ReparseOutputExpressions();
-  return added;
+  return Guard([&] {
+    auto copy = std::make_unique<CTNTemplateRecord>(this);
+    copy->Copy(record);
+    const bool whole = copy->GetInputFields().size() == record.GetInputFields().size() &&
+                       copy->GetOutputFields().size() == record.GetOutputFields().size();
+    if (!whole) throw std::bad_alloc();
+    if (record.GetTemplate() != this) copy->NameSubRecordsAs(record);
+    CTNTemplateRecord* const added = Insert(std::move(copy), nullptr);
+    // While it was being filled, elements could not name those behind them.
+    added->ReparseOutputExpressions();
+    return added;
+  });
+}
+
+void CTNParserTemplate::NoteMayMeanMore(CTNTemplateRecord& record) {
+  if (Lists(&record)) m_mayMeanMore.insert(&record);
+}
+
+void CTNParserTemplate::ReparseWhatMayMeanMore() {
+  for (auto at = m_mayMeanMore.begin(); at != m_mayMeanMore.end();) {
+    CTNTemplateRecord& record = **at;
+    // Parsing notes the record again, which changes nothing as long as it is in the set.
+    record.ReparseWhatMayMeanMore();
+    at = record.MayMeanMore() ? std::next(at) : m_mayMeanMore.erase(at);
+  }
 }
 
 bool CTNParserTemplate::Holds(const CTNTemplateRecord* record) const {
-  if (record == nullptr || record->GetTemplate() != this) return false;
   // The type says where to look: a record that was given one of the other list is in neither.
-  const RecordList& list = ListOf(record->GetType());
-  return record->m_position < list.size() && list[record->m_position].get() == record;
+  return record != nullptr && IsAt(ListOf(record->GetType()), record);
+}
+
+bool CTNParserTemplate::Lists(const CTNTemplateRecord* record) const {
+  return IsAt(m_entityRecords, record) || IsAt(m_auxiliaryRecords, record);
+}
+
+bool CTNParserTemplate::IsAt(const RecordList& list, const CTNTemplateRecord* record) const {
+  return record->GetTemplate() == this && record->m_position < list.size() &&
+         list[record->m_position].get() == record;
+}
+
+void CTNParserTemplate::ForgetSingleMatches() {
+  for (const RecordList* list : {&m_entityRecords, &m_auxiliaryRecords}) {
+    for (const auto& record : *list)
+      record->SetSingleMatchBlock(nullptr);
+  }
 }
 
 void CTNParserTemplate::UnlinkRecord(const CTNTemplateRecord* gone) {
+  ForgetSingleMatches();
   for (RecordList* list : {&m_entityRecords, &m_auxiliaryRecords}) {
     for (const auto& record : *list) {
-      // Nested blocks name the records that matched them.
-      record->SetSingleMatchBlock(nullptr);
       for (const auto& field : record->GetInputFields()) {
         if (field->GetSubRecord() == gone) field->ForgetSubRecord();
       }
@@ -126,19 +207,29 @@ void CTNParserTemplate::UnlinkRecord(const CTNTemplateRecord* gone) {
   }
 }
 
-void CTNParserTemplate::DeleteRecord(const CTNTemplateRecord* record) {
-  if (!Holds(record)) return;
-  RecordList& list = ListOf(record->GetType());
-  CTNIdentifierKeeper keeper(*this);
-  UnlinkRecord(record);
-  const std::size_t place = record->m_position;
-  list.erase(list.begin() + static_cast<std::ptrdiff_t>(place));
-  Renumber(list, place);
-  keeper.Apply();
+bool CTNParserTemplate::DeleteRecord(const CTNTemplateRecord* record) {
+  if (!Holds(record)) return false;
+  return Guard([&] {
+    RecordList& list = ListOf(record->GetType());
+    CTNIdentifierKeeper keeper(*this);
+    const std::size_t place = record->m_position;
+    // Until nothing names it any more, it is only set aside.
+    std::unique_ptr<CTNTemplateRecord> taken = TakeFrom(list, place);
+    try {
+      keeper.Apply();
+    } catch (const std::bad_alloc&) {
+      PutAt(list, place, std::move(taken));  // Into the room that it left.
+      throw;
+    }
+    UnlinkRecord(taken.get());
+    m_mayMeanMore.erase(taken.get());
+    return true;
+  });
 }
 
 void CTNParserTemplate::DeleteAllRecords() {
   m_scan = nullptr;
+  m_mayMeanMore.clear();
   m_entityRecords.clear();
   m_auxiliaryRecords.clear();
 }
@@ -147,17 +238,22 @@ bool CTNParserTemplate::MoveRecord(const CTNTemplateRecord* record,
                                    const CTNTemplateRecord* before) {
   if (!Holds(record)) return false;
   if (record == before) return true;
-  RecordList& list = ListOf(record->GetType());
-  CTNIdentifierKeeper keeper(*this);
-  const auto from = list.begin() + static_cast<std::ptrdiff_t>(record->m_position);
-  std::unique_ptr<CTNTemplateRecord> taken = std::move(*from);
-  list.erase(from);
-  const auto to = std::find_if(list.begin(), list.end(),
-                               [before](const auto& entry) { return entry.get() == before; });
-  list.insert(to, std::move(taken));
-  Renumber(list, 0);
-  keeper.Apply();
-  return true;
+  return Guard([&] {
+    RecordList& list = ListOf(record->GetType());
+    CTNIdentifierKeeper keeper(*this);
+    const std::size_t from = record->m_position;
+    std::unique_ptr<CTNTemplateRecord> taken = TakeFrom(list, from);
+    const bool inList = before != nullptr && IsAt(list, before);
+    const std::size_t to = inList ? before->m_position : list.size();
+    PutAt(list, to, std::move(taken));
+    try {
+      keeper.Apply();
+    } catch (const std::bad_alloc&) {
+      PutAt(list, from, TakeFrom(list, to));
+      throw;
+    }
+    return true;
+  });
 }
 
 std::string CTNParserTemplate::GetRecordID(const CTNTemplateRecord* record) const {
@@ -168,13 +264,15 @@ std::string CTNParserTemplate::GetRecordID(const CTNTemplateRecord* record) cons
 
 CTNTemplateRecord* CTNParserTemplate::FindRecordByID(std::string_view id) const {
   std::size_t index = 0;
+  const RecordList* list = nullptr;
   if (ReadIdentifier(id, Msg::EntityIdPrefix, index)) {
-    return index < m_entityRecords.size() ? m_entityRecords[index].get() : nullptr;
+    list = &m_entityRecords;
+  } else if (ReadIdentifier(id, Msg::AuxiliaryIdPrefix, index)) {
+    list = &m_auxiliaryRecords;
   }
-  if (ReadIdentifier(id, Msg::AuxiliaryIdPrefix, index)) {
-    return index < m_auxiliaryRecords.size() ? m_auxiliaryRecords[index].get() : nullptr;
-  }
-  return nullptr;
+  if (list == nullptr || index >= list->size()) return nullptr;
+  CTNTemplateRecord* const found = (*list)[index].get();
+  return Holds(found) ? found : nullptr;
 }
 
 bool CTNParserTemplate::IsFieldReferenced(const CTNTemplRecField* field, bool skipOwnRecord) const {
@@ -245,6 +343,8 @@ void CTNParserTemplate::RegisterBindings(XmlBindingTable& bindings) {
 }
 
 int CTNParserTemplate::OnBeginNode(XmlNode node, bool& handled) {
+  handled = false;
+  if (!node.IsElement()) return kXmlOk;
   const std::string name = node.Name();
   m_recognised = m_recognised || name == "PARSER_TEMPLATE" || name == "TEMPLATE_RECORD";
   handled = name == "TEMPLATE_RECORD";
@@ -253,7 +353,7 @@ int CTNParserTemplate::OnBeginNode(XmlNode node, bool& handled) {
   const int status = record->Walk(node);
   if (status < 0) return status;
   record->FixUpAfterLoad();
-  return Insert(std::move(record), nullptr) != nullptr ? kXmlOk : kXmlOutOfMemory;
+  return Guard([&] { return Append(std::move(record)); }) != nullptr ? kXmlOk : kXmlOutOfMemory;
 }
 
 bool CTNParserTemplate::OnNode(XmlNode node, const XmlBindingTable& bindings) {
@@ -273,6 +373,18 @@ int CTNParserTemplate::LoadFromFile(const std::string& path) {
   return FinishLoad(LoadFile(path));
 }
 
+int CTNParserTemplate::FinishLoad(int status) {
+  ClearDocument();
+  try {
+    if (status == kXmlOk) status = Resolve();
+  } catch (const std::bad_alloc&) {
+    status = kXmlOutOfMemory;
+  }
+  // Half a template would pass for a whole one, and be saved as one.
+  if (status < 0) DropContent();
+  return status;
+}
+
 void CTNParserTemplate::ResolveAndValidate(RecordList& list) {
   // Last to first, and all of them once more: a record can only be found valid after the ones that
   // it names, and those usually stand in front of or behind it.
@@ -282,9 +394,7 @@ void CTNParserTemplate::ResolveAndValidate(RecordList& list) {
     (*at)->Validate();
 }
 
-int CTNParserTemplate::FinishLoad(int status) {
-  ClearDocument();
-  if (status == kXmlNotWellFormed || status == kXmlOutOfMemory) return status;
+int CTNParserTemplate::Resolve() {
   if (!m_recognised) return kXmlGeneralFailure;
   ResolveAndValidate(m_auxiliaryRecords);
   ResolveAndValidate(m_entityRecords);

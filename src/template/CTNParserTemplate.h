@@ -12,6 +12,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace bomparser {
@@ -41,19 +43,31 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   std::int32_t Init() override;
 
   // Records. A record goes to the list that its type selects, before `before` or at the end when
-  // that is null or not in that list. Expressions follow the records that they name.
+  // that is null or not in that list. Expressions follow the records that they name. Where memory
+  // runs out everything stays as it was, the error log says so, and the answer is null or false.
 
   CTNTemplateRecord* AddRecord(RecordKind kind, std::string_view description,
                                const CTNTemplateRecord* before = nullptr);
   /// Appends a copy of a record, fields included.
   CTNTemplateRecord* AddRecordCopy(const CTNTemplateRecord& record);
-  /// Deletes the record. Fields and expressions that name it read as unresolved from then on.
-  /// Unknown records are ignored.
-  void DeleteRecord(const CTNTemplateRecord* record);
+  /// Deletes the record. Fields and expressions that name it read as unresolved from then on. False
+  /// for a record that is in no list.
+  bool DeleteRecord(const CTNTemplateRecord* record);
   void DeleteAllRecords();
+  /// Back to an empty, untitled, unsaved template; the error log stays.
+  void DropContent();
+  /// Gives up the blocks of single-match records, and with them their share of the results.
+  void ForgetSingleMatches();
+  /// Parses again the expressions that may mean more since something was appended,
+  void ReparseWhatMayMeanMore();
+  /// which are in the records that were noted here. Records outside the lists are ignored.
+  void NoteMayMeanMore(CTNTemplateRecord& record);
   /// Moves a record within its list. False if it is in none.
   bool MoveRecord(const CTNTemplateRecord* record, const CTNTemplateRecord* before);
+  /// True for a record of the list that its type selects.
   bool Holds(const CTNTemplateRecord* record) const;
+  /// True for a record of either list, whatever its type.
+  bool Lists(const CTNTemplateRecord* record) const;
   const RecordList& GetEntityRecords() const { return m_entityRecords; }
   const RecordList& GetAuxiliaryRecords() const { return m_auxiliaryRecords; }
   const CTNTemplateRecord& GetCatchAllRecord() const { return m_catchAll; }
@@ -86,7 +100,7 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   void SetScaleFactor(double factor) { m_scaleFactor = factor; }
 
   const std::string& GetFilePath() const { return m_filePath; }
-  void SetFilePath(std::string_view path) { m_filePath = path; }
+  void SetFilePath(std::string path) { m_filePath = std::move(path); }
   bool IsModified() const { return m_modified; }
   /// Stores the flag; when it is set the template is no longer empty, and the engine is told.
   void SetModified(ChangeKind change);
@@ -136,12 +150,19 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
  private:
   RecordList& ListOf(RecordKind kind);
   const RecordList& ListOf(RecordKind kind) const;
+  bool IsAt(const RecordList& list, const CTNTemplateRecord* record) const;
+  template <class Edit>
+  auto Guard(Edit edit) -> decltype(edit());
+  CTNTemplateRecord* Append(std::unique_ptr<CTNTemplateRecord> record);
   CTNTemplateRecord* Insert(std::unique_ptr<CTNTemplateRecord> record,
                             const CTNTemplateRecord* before);
+  static void PutAt(RecordList& list, std::size_t place, std::unique_ptr<CTNTemplateRecord> record);
+  static std::unique_ptr<CTNTemplateRecord> TakeFrom(RecordList& list, std::size_t place);
   static void Renumber(RecordList& list, std::size_t from);
   void UnlinkRecord(const CTNTemplateRecord* gone);
   void RegisterBindings(XmlBindingTable& bindings) override;
   int FinishLoad(int status);
+  int Resolve();
   void ResolveAndValidate(RecordList& list);
   void ReplayLastAttempts(const CTNParsedBlockPtrArray& blocks);
 
@@ -157,6 +178,7 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   std::int32_t m_units = 0;
   std::string m_unitsName;
   double m_scaleFactor = 1.0;
+  std::unordered_set<CTNTemplateRecord*> m_mayMeanMore;
   RecordList m_entityRecords;
   RecordList m_auxiliaryRecords;
   bool m_recognised = false;  // While loading: the document holds something of a template.

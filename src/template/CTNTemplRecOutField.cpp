@@ -3,6 +3,7 @@
 #include "input/CTNParsedFileBlock.h"
 #include "input/MessageTexts.h"
 #include "template/CTNTemplateRecord.h"
+#include "template/NestingLimits.h"
 #include "template/TagSearch.h"
 
 #include <algorithm>
@@ -125,6 +126,20 @@ bool CTNTemplRecOutField::IsNoneExpression() const {
   });
 }
 
+/// An evaluation under way.
+class CTNTemplRecOutField::Evaluation {
+ public:
+  Evaluation(std::vector<EvaluatedBlock>& all, const EvaluatedBlock& block) : m_all(all) {
+    m_all.push_back(block);
+  }
+  ~Evaluation() { m_all.pop_back(); }
+  Evaluation(const Evaluation&) = delete;
+  Evaluation& operator=(const Evaluation&) = delete;
+
+ private:
+  std::vector<EvaluatedBlock>& m_all;
+};
+
 void CTNTemplRecOutField::AppendValue(std::string& out, const CTNParsedFileBlock& block,
                                       Tags tags) const {
   // Elements can name each other. An element that is asked for its value for a block while that
@@ -132,10 +147,10 @@ void CTNTemplRecOutField::AppendValue(std::string& out, const CTNParsedFileBlock
   const ParsedBlockPlace place = block.GetPlace();
   const EvaluatedBlock asked{block.GetResult().get(), place.elements, place.record};
   if (std::find(m_evaluating.begin(), m_evaluating.end(), asked) != m_evaluating.end()) return;
-  m_evaluating.push_back(asked);
+  const Evaluation evaluation(m_evaluating, asked);
+  const ReferenceBudget::Value value(ReferenceBudget::OfThisThread());
   for (const CTNOutFieldValueElement& item : m_items)
     item.AppendValue(out, block, tags);
-  m_evaluating.pop_back();
 }
 
 void CTNTemplRecOutField::BuildValueText(std::string& text, const CTNParsedFileBlock& block,

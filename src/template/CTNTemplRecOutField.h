@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace bomparser {
@@ -40,7 +41,7 @@ class CTNTemplRecOutField final : public CTNTemplRecField, public CXMLArchive {
   /// The expression as the user wrote it.
   const std::string& GetExpression() const { return m_expression; }
   /// Stores the text; parsed with the next validation.
-  void SetExpression(std::string_view text) { m_expression = text; }
+  void SetExpression(std::string text) { m_expression = std::move(text); }
   /// The expression as its parsed items say it; the stored text where there are none.
   std::string GetExpressionText() const;
   const std::vector<CTNOutFieldValueElement>& GetItems() const { return m_items; }
@@ -52,6 +53,9 @@ class CTNTemplRecOutField final : public CTNTemplRecField, public CXMLArchive {
   /// Parses the expression into items. On failure `error` says why (empty when nobody knows) and
   /// the items before the fault stay.
   bool ParseExpression(std::string& error);
+  /// True when the expression, as it was parsed last, failed or holds a word that names nothing:
+  /// with more fields and records about, it may come to mean something.
+  bool MayMeanMore() const { return m_mayMeanMore; }
   std::int32_t Validate() override;
 
   /// Appends the values of all items for a block, nothing around them.
@@ -69,6 +73,7 @@ class CTNTemplRecOutField final : public CTNTemplRecField, public CXMLArchive {
   void FixUpAfterLoad() override { SetTagByName(); }
 
  private:
+  class Evaluation;
   struct EvaluatedBlock {
     const void* result;
     std::uint32_t elements;
@@ -86,6 +91,7 @@ class CTNTemplRecOutField final : public CTNTemplRecField, public CXMLArchive {
   std::unique_ptr<std::string> m_loadedTag;  // Only between reading and SetTagByName.
   std::vector<CTNOutFieldValueElement> m_items;
   bool m_defaultUsed = false;
+  bool m_mayMeanMore = false;
   mutable std::vector<EvaluatedBlock> m_evaluating;  // The blocks it is being evaluated for.
 };
 

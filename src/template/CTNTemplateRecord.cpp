@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace bomparser {
@@ -22,9 +23,11 @@ ReferenceBudget& ReferenceBudget::OfThisThread() {
 
 namespace {
 
-/// Place of the field in its array; the array's size when it is not there.
+/// Place of the field in its array; the array's size when it is not there. No field stands behind
+/// the last one: that is where most are put, and it is not searched for.
 template <class Array, class Field>
 std::size_t PlaceOf(const Array& array, const Field* field) {
+  if (field == nullptr) return array.size();
   const auto found = std::find_if(array.begin(), array.end(),
                                   [field](const auto& entry) { return entry.get() == field; });
   return static_cast<std::size_t>(found - array.begin());
@@ -56,8 +59,17 @@ const Field* FollowerOf(const Array& array, const Field* field) {
 template <class Array, class Field>
 Field* Insert(CTNTemplateRecord& record, Array& array, std::unique_ptr<Field> field,
               const Field* before) {
-  // Behind the last one nothing changes its place.
-  if (PlaceOf(array, before) == array.size()) return Put(array, std::move(field), before);
+  if (PlaceOf(array, before) == array.size()) {
+    Field* const appended = Put(array, std::move(field), before);
+    // Nothing changes its place; but texts that named nobody so far may name this one.
+    CTNParserTemplate* const document = record.GetTemplate();
+    if (document != nullptr && document->Lists(&record)) {
+      document->ReparseWhatMayMeanMore();
+    } else {
+      record.ReparseWhatMayMeanMore();
+    }
+    return appended;
+  }
   CTNIdentifierKeeper keeper(record);
   Field* const inserted = Put(array, std::move(field), before);
   try {
@@ -126,8 +138,9 @@ std::int32_t CTNTemplateRecord::Init() {
 
 void CTNTemplateRecord::InitCatchAll() {
   Init();
-  AddInputField(FieldKind::ScanToNext, true);
-  AddInputField(FieldKind::Newline, true);
+  const bool whole = AddInputField(FieldKind::ScanToNext, true) != nullptr &&
+                     AddInputField(FieldKind::Newline, true) != nullptr;
+  if (!whole) throw std::bad_alloc();
   m_kind = RecordKind::UnmatchedLines;
   Validate();
 }
@@ -178,7 +191,9 @@ CTNTemplRecOutField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecO
 
 std::unique_ptr<CTNTemplRecInField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecInField* field) {
-  return Guard([=, this] { return Remove(*this, m_inputFields, field); });
+  auto taken = Guard([=, this] { return Remove(*this, m_inputFields, field); });
+  if (taken) ForgetSingleMatches();
+  return taken;
 }
 
 std::unique_ptr<CTNTemplRecOutField> CTNTemplateRecord::RemoveField(
@@ -216,8 +231,16 @@ CTNTemplRecOutField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecOutFi
   });
 }
 
+void CTNTemplateRecord::ForgetSingleMatches() {
+  // What was matched is told by the addresses of fields, and a new field may get an old one's.
+  // Other records' blocks may hold blocks of this record.
+  if (m_template != nullptr) m_template->ForgetSingleMatches();
+  m_singleMatchBlock = nullptr;
+}
+
 void CTNTemplateRecord::ClearFields() {
   if (m_inputFields.empty() && m_outputFields.empty()) return;
+  ForgetSingleMatches();
   Guard([this] {
     CTNIdentifierKeeper keeper(*this);
     // Until nothing names them any more, the fields are only set aside.
@@ -237,6 +260,7 @@ void CTNTemplateRecord::ClearFields() {
 void CTNTemplateRecord::Copy(const CTNTemplateRecord& other) {
   if (&other == this) return;
   CTNTemplateArrayElement::operator=(other);
+  const std::shared_ptr<const CTNParsedFileBlock> matched = other.m_singleMatchBlock;
   ClearFields();
   for (const auto& field : other.m_inputFields)
     AppendCopyOfField(*field);
@@ -247,7 +271,7 @@ void CTNTemplateRecord::Copy(const CTNTemplateRecord& other) {
   m_description = other.m_description;
   m_lineFeedField.CopyFrom(other.m_lineFeedField);
   m_lineFeedField.SetParentRecord(this);
-  m_singleMatchBlock = other.m_singleMatchBlock;
+  m_singleMatchBlock = matched;
 }
 
 // ------------------------------------------------------------------------------- identifiers
@@ -341,6 +365,27 @@ void CTNTemplateRecord::ReparseOutputExpressions() {
     element->ParseExpression(ignored);
 }
 
+bool CTNTemplateRecord::MayMeanMore() const {
+  return std::any_of(m_outputFields.begin(), m_outputFields.end(),
+                     [](const auto& element) { return element->MayMeanMore(); });
+}
+
+void CTNTemplateRecord::ReparseWhatMayMeanMore() {
+  std::string ignored;
+  for (const auto& element : m_outputFields) {
+    if (element->MayMeanMore()) element->ParseExpression(ignored);
+  }
+}
+
+void CTNTemplateRecord::NameSubRecordsAs(const CTNTemplateRecord& other) {
+  for (std::size_t i = 0; i < m_inputFields.size(); ++i) {
+    CTNTemplRecInField& field = *m_inputFields[i];
+    if (field.GetType() != FieldKind::SubRecord) continue;
+    field.ForgetSubRecord();
+    field.SetMatchValueText(other.m_inputFields[i]->GetMatchValueText());
+  }
+}
+
 void CTNTemplateRecord::ResolveAfterLoad() {
   for (const auto& field : m_inputFields) {
     if (field->GetType() != FieldKind::SubRecord) continue;
@@ -366,13 +411,12 @@ bool CTNTemplateRecord::BuildEntityText(std::string& text, const CTNParsedFileBl
   if (block.GetMatchedRecord() != this) return false;
   const bool wrapped = !IsAuxiliary() && tags == Tags::On;
   // A single-match record is part of the value that refers to it; any other is an instance.
-  ReferenceBudget& budget = ReferenceBudget::OfThisThread();
-  const std::uint32_t references = IsSingleMatch() ? 0 : budget.BeginInstance();
+  std::optional<ReferenceBudget::Instance> instance;
+  if (!IsSingleMatch()) instance.emplace(ReferenceBudget::OfThisThread());
   if (wrapped) text.append("<ENTITY>").append(GetTypeName());
   for (const auto& element : m_outputFields)
     element->BuildValueText(text, block, tags);
   if (wrapped) text += "</ENTITY>";
-  if (!IsSingleMatch()) budget.EndInstance(references);
   return true;
 }
 
@@ -386,16 +430,22 @@ void CTNTemplateRecord::RegisterBindings(XmlBindingTable& bindings) {
 
 int CTNTemplateRecord::OnBeginNode(XmlNode node, bool& handled) {
   handled = false;
+  if (!node.IsElement()) return kXmlOk;
   const std::string name = node.Name();
   const auto read = [this, &node](auto field, auto& fields, Msg failure) {
-    const int status = field->Walk(node);
+    int status = kXmlOk;
+    try {
+      status = field->Walk(node);
+      if (status >= 0) field->FixUpAfterLoad();
+    } catch (const std::bad_alloc&) {
+      status = kXmlOutOfMemory;
+    }
     if (status < 0) {
       if (m_template != nullptr) {
         m_template->ReportError(FormatMessageText(failure, m_description), ErrorShown::Later);
       }
       return status;
     }
-    field->FixUpAfterLoad();
     fields.push_back(std::move(field));
     return kXmlOk;
   };

@@ -32,7 +32,8 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   CTNTemplateRecord& operator=(const CTNTemplateRecord&) = delete;
 
   std::int32_t Init() override;
-  /// The pattern of the built-in records: the rest of a line and its line end; type 13.
+  /// The pattern of the built-in records: the rest of a line and its line end; type 13. Throws
+  /// std::bad_alloc.
   void InitCatchAll();
 
   RecordKind GetType() const { return m_kind; }
@@ -119,6 +120,13 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   void ReparseOutputExpressions();
   /// Links sub-record fields to the records that they name, validating those, then this record.
   void ResolveAfterLoad();
+  /// True when an expression holds a word that names nothing, or did not parse.
+  bool MayMeanMore() const;
+  /// Parses those expressions again: something was appended that they may mean.
+  void ReparseWhatMayMeanMore();
+  /// For a copy of another template's record: its SUBRECORD fields name the records of this
+  /// template that have the identifiers which the other one's fields show.
+  void NameSubRecordsAs(const CTNTemplateRecord& other);
   /// Joins all messages with line feeds; errors make the record invalid.
   std::int32_t Validate() override;
   /// True when the pattern ends in a line end that must be there.
@@ -135,7 +143,7 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   bool Match(CTNParserCharBuffIter& text, CTNParsedFileBlock* block, std::string& error,
              KeepValues keep, NestingState& nesting);
   /// Gives the fields and output elements the values that they have in a block of this record.
-  /// False for another record's block, or when an element cannot be evaluated.
+  /// False for another record's block.
   bool SetValuesFromBlock(const CTNParsedFileBlock& block);
   /// Empties the values of all input fields and of the first output element; the other elements
   /// keep theirs.
@@ -166,6 +174,7 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   void FixUpAfterLoad();
 
  private:
+  void ForgetSingleMatches();
   friend class CTNParserTemplate;  // Keeps m_position in step with its lists.
 
   void RegisterBindings(XmlBindingTable& bindings) override;

@@ -67,26 +67,78 @@ constexpr bool EndsRepetition(std::uint32_t before, std::uint32_t after) { retur
 constexpr int kMaxReferenceDepth = 200;
 constexpr std::uint32_t kMaxReferences = 10'000;
 
-/// How far the references of the value that is being put together have gone.
+/// How far the references of the value that is being put together have gone. What goes on is told
+/// by objects that live as long.
 class ReferenceBudget {
  public:
-  /// False when the reference must not be followed.
+  /// An element's items are put together. Counting starts with the outermost element: what it names
+  /// is part of its value.
+  class Value {
+   public:
+    explicit Value(ReferenceBudget& budget) : m_budget(budget) {
+      if (m_budget.m_values++ == 0) m_budget.m_references = 0;
+    }
+    ~Value() { --m_budget.m_values; }
+    Value(const Value&) = delete;
+    Value& operator=(const Value&) = delete;
+
+   private:
+    ReferenceBudget& m_budget;
+  };
+
+  /// A reference is followed, if it may be.
+  class Reference {
+   public:
+    explicit Reference(ReferenceBudget& budget) : m_budget(budget), m_entered(budget.Enter()) {}
+    ~Reference() {
+      if (m_entered) --m_budget.m_depth;
+    }
+    Reference(const Reference&) = delete;
+    Reference& operator=(const Reference&) = delete;
+    bool MayBeFollowed() const { return m_entered; }
+
+   private:
+    ReferenceBudget& m_budget;
+    bool m_entered;
+  };
+
+  /// An instance of a sub-record is put together: it counts anew, but how deep it lies counts on.
+  class Instance {
+   public:
+    explicit Instance(ReferenceBudget& budget) : Instance(budget, budget.m_depth) {}
+    Instance(ReferenceBudget& budget, int depth)
+        : m_budget(budget),
+          m_references(std::exchange(budget.m_references, 0)),
+          m_depth(std::exchange(budget.m_depth, depth)) {}
+    ~Instance() {
+      m_budget.m_references = m_references;
+      m_budget.m_depth = m_depth;
+    }
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+
+   private:
+    ReferenceBudget& m_budget;
+    std::uint32_t m_references;
+    int m_depth;
+  };
+
+  /// How many references are being followed, one inside the other.
+  int GetDepth() const { return m_depth; }
+
+  /// The one of the values that this thread evaluates.
+  static ReferenceBudget& OfThisThread();
+
+ private:
   bool Enter() {
-    if (m_depth == 0) m_references = 0;
     if (m_depth >= kMaxReferenceDepth || m_references >= kMaxReferences) return false;
     ++m_depth;
     ++m_references;
     return true;
   }
-  void Leave() { --m_depth; }
-  /// Starts to count anew, for an instance of a sub-record; what is returned goes to EndInstance.
-  std::uint32_t BeginInstance() { return std::exchange(m_references, 0); }
-  void EndInstance(std::uint32_t references) { m_references = references; }
-  /// The one of the values that this thread evaluates for blocks.
-  static ReferenceBudget& OfThisThread();
 
- private:
   int m_depth = 0;
+  int m_values = 0;
   std::uint32_t m_references = 0;
 };
 

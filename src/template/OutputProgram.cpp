@@ -8,12 +8,18 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <new>
+#include <optional>
+#include <tuple>
+#include <utility>
 
 namespace bomparser {
 
 namespace {
 
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
+/// Of all constant texts together.
+constexpr std::size_t kMostTexts = std::size_t{1} << 31;
 constexpr std::uint32_t kNothing = 0xFFFFFFFF;  // The length of an absent field.
 /// Text is handed on in pieces of this size: large enough for the system, small enough for the
 /// processor's cache.
@@ -31,16 +37,39 @@ class OutputProgram::Compiler {
   Compiler(OutputProgram& program, const CTNParsedLayout& layout)
       : m_program(program), m_layout(layout), m_noBlock(nullptr) {}
 
-  std::uint32_t Compile(std::uint32_t record, Tags tags) {
-    const auto key = std::make_pair(record, tags);
-    const auto known = m_known.find(key);
-    if (known != m_known.end()) return known->second;
-    const auto index = static_cast<std::uint32_t>(m_program.m_programs.size());
-    m_known.emplace(key, index);
-    m_program.m_programs.push_back({record, {}});
-    std::vector<Op> ops = CompileOps(record, tags);
-    m_program.m_programs[index].ops = std::move(ops);
-    return index;
+  /// A program that is wanted: of a record's blocks, or of its instances inside another record's.
+  /// References in front of an instance count for what it may follow.
+  struct Wanted {
+    std::uint32_t record;
+    Tags tags;
+    bool instance;
+    int depth;
+    bool operator<(const Wanted& other) const {
+      return std::tie(record, tags, instance, depth) <
+             std::tie(other.record, other.tags, other.instance, other.depth);
+    }
+  };
+
+  /// The place of the program, which is compiled by CompileWanted.
+  std::uint32_t Want(const Wanted& wanted) {
+    const auto next = static_cast<std::uint32_t>(m_program.m_programs.size());
+    const auto [known, added] = m_known.emplace(wanted, next);
+    if (added) {
+      m_program.m_programs.push_back({wanted.record, {}});
+      m_wanted.push_back(wanted);
+    }
+    return known->second;
+  }
+
+  /// One after the other and not one inside the other: sub-records can form long chains.
+  void CompileWanted() {
+    for (std::size_t i = 0; i < m_wanted.size(); ++i) {
+      const Wanted wanted = m_wanted[i];
+      std::optional<ReferenceBudget::Value> value;  // All of an instance is part of one value.
+      if (wanted.instance) value.emplace(m_references);
+      const ReferenceBudget::Instance instance(m_references, wanted.depth);
+      m_program.m_programs[i].ops = CompileOps(wanted.record, wanted.tags);
+    }
   }
 
  private:
@@ -49,21 +78,20 @@ class OutputProgram::Compiler {
   }
 
   std::vector<Op> CompileOps(std::uint32_t index, Tags tags) {
-    const std::uint32_t outerIndex = std::exchange(m_record, index);
-    std::vector<Op> outer = std::exchange(m_ops, {});
+    m_record = index;
     const CTNTemplateRecord& record = RecordAt(index);
     const bool wrapped = !record.IsAuxiliary() && tags == Tags::On;
     if (wrapped) AddText("<ENTITY>" + std::string(record.GetTypeName()));
     for (const auto& element : record.GetOutputFields())
       AddElement(*element, tags);
     if (wrapped) AddText("</ENTITY>");
-    m_record = outerIndex;
-    return std::exchange(m_ops, std::move(outer));
+    return std::exchange(m_ops, {});
   }
 
   void AddText(std::string_view text) {
     if (text.empty()) return;
     std::string& texts = m_program.m_texts;
+    if (text.size() > kMostTexts - texts.size()) throw std::bad_alloc();
     const auto offset = static_cast<std::uint32_t>(texts.size());
     texts += text;
     const auto size = static_cast<std::uint32_t>(text.size());
@@ -93,8 +121,11 @@ class OutputProgram::Compiler {
     // Elements that name each other: the one that is being put together adds nothing to itself.
     if (std::find(m_open.begin(), m_open.end(), &element) != m_open.end()) return;
     m_open.push_back(&element);
-    for (const CTNOutFieldValueElement& item : element.GetItems())
-      AddItem(item.GetTarget(), tags);
+    {
+      const ReferenceBudget::Value value(m_references);
+      for (const CTNOutFieldValueElement& item : element.GetItems())
+        AddItem(item.GetTarget(), tags);
+    }
     m_open.pop_back();
   }
 
@@ -105,9 +136,8 @@ class OutputProgram::Compiler {
       AddField(*item.inputField, tags);
     } else if (item.kind == ValueItemKind::OutputSymbol &&
                item.outputElement->GetParentRecord() == &own && !own.IsSingleMatch()) {
-      if (!m_references.Enter()) return;
-      AddElement(*item.outputElement, Tags::Off);
-      m_references.Leave();
+      const ReferenceBudget::Reference reference(m_references);
+      if (reference.MayBeFollowed()) AddElement(*item.outputElement, Tags::Off);
     } else {
       // All others have the same value for every block.
       std::string constant;
@@ -124,21 +154,20 @@ class OutputProgram::Compiler {
     }
     const std::uint32_t sub = m_layout.Records()[m_record].fields[index].subRecord;
     if (sub == CTNParsedLayout::kNoRecord) return;
-    std::vector<const CTNTemplRecOutField*> open = std::exchange(m_open, {});
-    const std::uint32_t references = m_references.BeginInstance();
-    m_ops.push_back({OpKind::SubRecords, FieldKind::SubRecord, index, Compile(sub, tags)});
-    m_references.EndInstance(references);
-    m_open = std::move(open);
+    m_ops.push_back({OpKind::SubRecords, FieldKind::SubRecord, index,
+                     Want({sub, tags, true, m_references.GetDepth()})});
   }
 
   OutputProgram& m_program;
   const CTNParsedLayout& m_layout;
   CTNParsedFileBlock m_noBlock;
-  std::map<std::pair<std::uint32_t, Tags>, std::uint32_t> m_known;
-  std::uint32_t m_record = 0;  // The record being compiled, and
-  std::vector<Op> m_ops;       // its program so far.
+  std::map<Wanted, std::uint32_t> m_known;
+  std::vector<Wanted> m_wanted;  // By program.
+  std::uint32_t m_record = 0;    // The record being compiled, and
+  std::vector<Op> m_ops;         // its program so far.
   std::vector<const CTNTemplRecOutField*> m_open;
-  ReferenceBudget m_references;
+  // The one that values of single-match records count with as well: they are part of the value.
+  ReferenceBudget& m_references = ReferenceBudget::OfThisThread();
 };
 
 OutputProgram::OutputProgram(const CTNParsedResult& result)
@@ -146,8 +175,10 @@ OutputProgram::OutputProgram(const CTNParsedResult& result)
   const CTNParsedLayout& layout = result.GetLayout();
   Compiler compiler(*this, layout);
   for (std::uint32_t i = 0; i < m_entities.size(); ++i) {
-    if (IsEntityKind(layout.Records()[i].kind)) m_entities[i] = compiler.Compile(i, Tags::On);
+    if (IsEntityKind(layout.Records()[i].kind))
+      m_entities[i] = compiler.Want({i, Tags::On, false, 0});
   }
+  compiler.CompileWanted();
   m_texts.append(kShort, ' ');
 }
 

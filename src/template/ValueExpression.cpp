@@ -7,6 +7,7 @@
 #include "template/CTNTemplateRecord.h"
 #include "template/ValueTokens.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -122,14 +123,16 @@ class ExpressionParser {
     if (found.input != nullptr) {
       item.kind = ValueItemKind::InputField;
       item.inputField = found.input;
+      if (found.input->IsValid() != 0) return {};
       record.GetFieldID(found.input, id);
-      return found.input->IsValid() != 0 ? std::string() : format(inputInvalid, id);
+      return format(inputInvalid, id);
     }
     if (found.output == &m_owner) return GetMessageText(Msg::ElementUsesItself);
     item.kind = ValueItemKind::OutputSymbol;
     item.outputElement = found.output;
+    if (found.output->IsValid() != 0) return {};
     record.GetFieldID(found.output, id);
-    return found.output->IsValid() != 0 ? std::string() : format(outputInvalid, id);
+    return format(outputInvalid, id);
   }
 
   std::string ParseRecord(const CTNTemplateRecord& record, const std::string& token) {
@@ -186,14 +189,24 @@ class ExpressionParser {
   std::size_t m_at = 0;
 };
 
+bool HasWordsThatNameNothing(const std::vector<CTNOutFieldValueElement>& items) {
+  return std::any_of(items.begin(), items.end(), [](const CTNOutFieldValueElement& item) {
+    return item.kind == ValueItemKind::StringLiteral && !item.quoted;
+  });
+}
+
 }  // namespace
 
 bool CTNTemplRecOutField::ParseExpression(std::string& error) {
   error.clear();
   m_items.clear();
+  m_mayMeanMore = !m_expression.empty();
   if (GetParentRecord() == nullptr) return false;
   try {
     error = ExpressionParser(*this, m_items).Parse();
+    m_mayMeanMore = !m_expression.empty() && (!error.empty() || HasWordsThatNameNothing(m_items));
+    if (m_mayMeanMore && GetTemplate() != nullptr)
+      GetTemplate()->NoteMayMeanMore(*GetParentRecord());
     return error.empty();
   } catch (const std::bad_alloc&) {
     error = GetMessageText(Msg::NoMemoryForValueText);

@@ -150,6 +150,29 @@ TEST_F(CTNParsedFileBlockTest, ASubRecordFieldNeedsABlockThatIsFilledByHand) {
   EXPECT_EQ(block.ToReadableText(), "E2{F1=E1{}}");
 }
 
+TEST_F(CTNParsedFileBlockTest, ABlockOfAnotherRecordIsNoInstanceOfTheSubRecord) {
+  FakeRecord item(RecordKind::SubRecord, "A1");
+  const FakeField& name = item.Add(FieldKind::Alpha, "ALPHA");
+  FakeRecord holder(RecordKind::SubRecord, "A2");
+  const FakeField& inside = holder.AddSubRecord(&item);
+  FakeRecord outer(RecordKind::Part, "E2");
+  const FakeField& sub = outer.AddSubRecord(&item);
+  CTNParsedFileBlock own(&context);
+  own.AddFieldText("abc", name);
+  CTNParsedFileBlock other(&context);
+  other.AddFieldText("abc", *word);
+  CTNParsedFileBlock around(&context);
+  around.AddFieldText("abc", inside, &own);
+  CTNParsedFileBlock named(&context);
+  named.SetRecord(&line);
+  for (const CTNParsedFileBlock* nested : {&other, &around, &named}) {
+    EXPECT_FALSE(block.AddFieldText("abc", sub, nested)) << nested->ToReadableText();
+  }
+  EXPECT_EQ(block.ToReadableText(), "E2{}");
+  EXPECT_TRUE(block.AddFieldText("abc", sub, &own));
+  EXPECT_EQ(block.ToReadableText(), "E2{F1=A1{F1=abc}}");
+}
+
 TEST_F(CTNParsedFileBlockTest, AViewOfAResultTakesNoFields) {
   CTNParsedBlockPtrArray results(&context);
   Fill(results, {Line("a", "b")});
@@ -462,6 +485,28 @@ TEST_F(CTNParsedFileBlockTest, TheValueOfASubRecordFieldIsItsInstancesEntityText
   std::string text = ">";
   instances[1].GetText(text, Markup::On, Newlines::Hidden);
   EXPECT_EQ(text, "><A1.F1,ALPHA>b</A1.F1>");
+}
+
+TEST_F(CTNParsedFileBlockTest, WhileResultsAreStaleSubRecordsHaveNoValue) {
+  auto item = std::make_unique<FakeRecord>(RecordKind::SubRecord, "A1");
+  item->Add(FieldKind::Alpha, "ALPHA");
+  FakeRecord outer(RecordKind::Part, "E2");
+  const FakeField& sub = outer.AddSubRecord(item.get());
+  const Taken instance{item.get(), {Text("a")}};
+  CTNParsedBlockPtrArray results(&context);
+  Fill(results, {{&outer, {Instances({instance})}}});
+  const CTNParsedFileBlock filled = results.GetAt(0);
+  const auto instances = filled.GetSubRecords(sub);
+  const auto values = [&] {
+    std::string ofElement;
+    instances.at(0).GetValue(ofElement, Tags::On);
+    return Strings{ofElement, ValueOf(filled, sub), ValueOf(filled, sub, Tags::On)};
+  };
+  EXPECT_EQ(values(), (Strings{"<a>", "[a]", "<a>"}));
+  context.stale = true;
+  EXPECT_EQ(values(), (Strings{"", "", ""}));
+  item = nullptr;
+  EXPECT_EQ(values(), (Strings{"", "", ""})) << "the record that matched is gone";
 }
 
 TEST_F(CTNParsedFileBlockTest, ASubRecordElementsTextIsItsFirstRowWithTabsExpanded) {

@@ -1,5 +1,8 @@
 #include "input/CTNParserErrorLog.h"
 
+#include "tests/support/FailingMemory.h"
+
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
 #include <type_traits>
@@ -8,7 +11,11 @@
 namespace bomparser {
 namespace {
 
+using test::FailsAfter;
+using test::ForEveryAllocation;
 using Lines = std::vector<std::string>;
+
+constexpr char kLong[] = "a line that is too long to be kept without memory";
 
 CTNParserError ErrorOf(const Lines& lines) {
   CTNParserError error;
@@ -82,6 +89,61 @@ TEST(CTNParserErrorLog, EachOwnerHasALogClassOfItsOwn) {
   EXPECT_TRUE((std::is_base_of_v<CTNParserErrorLog, CTNInFileErrorLog>));
   EXPECT_TRUE((std::is_base_of_v<CTNParserErrorLog, CTNTemplateErrorLog>));
   EXPECT_FALSE((std::is_convertible_v<CTNInFileErrorLog*, CTNTemplateErrorLog*>));
+}
+
+// ------------------------------------------------------------------------------- out of memory
+
+TEST(CTNParserError, ALineForWhichThereIsNoMemoryIsRefusedAndTheOthersStay) {
+  const std::int64_t failures = ForEveryAllocation([](std::int64_t granted) {
+    CTNParserError error = ErrorOf({"before"});
+    bool added = false;
+    const bool failed = FailsAfter(granted, [&] { added = error.AddLine(kLong); });
+    EXPECT_EQ(added, !failed);
+    EXPECT_EQ(error.GetLines(), failed ? Lines{"before"} : (Lines{"before", kLong}));
+    return failed;
+  });
+  EXPECT_GT(failures, 0);
+}
+
+TEST(CTNParserErrorLog, AnErrorForWhichThereIsNoMemoryIsRefusedAndTheOthersStay) {
+  const CTNParserError error = ErrorOf({kLong, kLong});
+  const std::int64_t failures = ForEveryAllocation([&error](std::int64_t granted) {
+    CTNTemplateErrorLog log;
+    log.AddMessage("before");
+    std::int32_t index = 0;
+    const bool failed = FailsAfter(granted, [&] { index = log.AddError(error); });
+    EXPECT_EQ(index, failed ? -1 : 1);
+    EXPECT_EQ(log.GetAllLines(), failed ? Lines{"before"} : (Lines{"before", kLong, kLong}));
+    return failed;
+  });
+  EXPECT_GT(failures, 0);
+}
+
+TEST(CTNParserErrorLog, AMessageForWhichThereIsNoMemoryIsRefusedAndTheOthersStay) {
+  const std::int64_t failures = ForEveryAllocation([](std::int64_t granted) {
+    CTNTemplateErrorLog log;
+    log.AddMessage("before");
+    bool added = false;
+    const bool failed = FailsAfter(granted, [&] { added = log.AddMessage(kLong); });
+    EXPECT_EQ(added, !failed);
+    EXPECT_EQ(log.GetAllLines(), failed ? Lines{"before"} : (Lines{"before", kLong}));
+    return failed;
+  });
+  EXPECT_GT(failures, 0);
+}
+
+TEST(CTNParserErrorLog, WithoutMemoryForAllLinesThereAreNone) {
+  CTNTemplateErrorLog log;
+  log.AddError(ErrorOf({kLong, "short"}));
+  log.AddMessage(kLong);
+  const std::int64_t failures = ForEveryAllocation([&log](std::int64_t granted) {
+    Lines lines;
+    const bool failed = FailsAfter(granted, [&] { lines = log.GetAllLines(); });
+    EXPECT_EQ(lines, failed ? Lines() : (Lines{kLong, "short", kLong}));
+    return failed;
+  });
+  EXPECT_GT(failures, 0);
+  EXPECT_EQ(log.GetAllLines(), (Lines{kLong, "short", kLong}));
 }
 
 }  // namespace

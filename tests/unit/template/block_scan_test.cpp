@@ -50,6 +50,14 @@ TEST_F(BlockLoop, AuxiliaryRecordsAreTriedBeforeEntitiesAndTheFirstMatchWins) {
   EXPECT_THAT(Blocks("a\n1\n"), ElementsAre("E1{F1=a|F2=}", "A1{F1=1|F2=}"));
 }
 
+TEST_F(BlockLoop, AScanForALiteralGoesOnWhereOnlyItsFirstCharacterStands) {
+  AddPart({Scan(), String("--"), Newline()});
+  AddPart({String("#"), Scan(), CaseSensitive(String("ab")), Scan(), String("\",\""), Newline()});
+  EXPECT_THAT(Blocks("a-b--\n#aBa,ab\",\"\"x\n#aBab\"\",\"\n"),
+              ElementsAre("E1{F1=a-b|F2=--|F3=}", "\?\?{F1=#aBa,ab\",\"\"x|F2=}",
+                          "E2{F1=#|F2=aB|F3=ab|F4=\"|F5=\",\"|F6=}"));
+}
+
 TEST_F(BlockLoop, SubRecordsAreNotTriedOnTheirOwn) {
   Add(RecordKind::SubRecord, {Alpha(), Newline()});
   EXPECT_THAT(Blocks("a\n"), ElementsAre("\?\?{F1=a|F2=}"));

@@ -72,6 +72,16 @@ TEST(CreateFields, StopsAtTheEndLimit) {
   EXPECT_EQ(record.GetInputFields().size(), 2U);
 }
 
+TEST(CreateFields, AnEndLimitBehindTheTextKeepsOneFieldThatTakesNothingAndEnds) {
+  CTNTemplateRecord record(nullptr);
+  CTNStringCharBuffIter cursor("A");
+  cursor.SetEnd(5);
+  record.CreateFieldsFromText(cursor);
+  ASSERT_EQ(record.GetInputFields().size(), 2U);
+  EXPECT_EQ(record.GetInputFields()[0]->GetTypeName(), "ALPHA");
+  EXPECT_EQ(record.GetInputFields()[1]->GetCurrentValue(), "");
+}
+
 TEST(CreateFields, AppendsBehindTheFieldsThatAreThere) {
   CTNTemplateRecord record(nullptr);
   AddField(record, Tab());

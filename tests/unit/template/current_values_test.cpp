@@ -5,7 +5,9 @@
 #include "tests/support/TemplateBuilder.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace bomparser::test {
 namespace {
@@ -154,6 +156,57 @@ TEST_F(CurrentValues, LaterElementsOfASingleMatchRecordKeepWhatAnEarlierFileGave
   EXPECT_EQ(Values(record), "ab||ab|ab|");
   ApplyToText(document, "1\n");
   EXPECT_EQ(Values(record), "|||ab|");
+}
+
+TEST_F(CurrentValues, ARemovedFieldTakesAllSingleMatchBlocksAlong) {
+  CTNTemplateRecord& first = Add(RecordKind::SingleMatch, {String("T="), Alpha(), Newline()});
+  CTNTemplateRecord& second =
+      Add(RecordKind::SingleMatch, {String("S="), SubRecord("A3"), Newline()});
+  CTNTemplateRecord& sub = Add(RecordKind::SubRecord, {Alpha(), Optional(WholeNum())});
+  CTNTemplateRecord& user =
+      Add(RecordKind::MultipleMatch, {Newline()}, {{OutputTag::Text, "A1.F2"}});
+  Relink(document);
+  const auto shown = [&user] {
+    std::string value;
+    user.GetOutputFields()[0]->AppendValue(value, CTNParsedFileBlock(nullptr), Tags::Off);
+    return value;
+  };
+  ApplyToText(document, "T=old\nS=s\n");
+  EXPECT_EQ(shown(), "old");
+  auto field = first.RemoveField(first.GetInputFields()[1].get());
+  EXPECT_EQ(first.GetSingleMatchBlock(), nullptr);
+  EXPECT_EQ(second.GetSingleMatchBlock(), nullptr);
+  // Put back it is what a new field is that gets the old one's address.
+  first.InsertField(std::move(field), first.GetInputFields()[1].get());
+  user.GetOutputFields()[0]->SetExpression("A1.F2");
+  ASSERT_EQ(user.Validate(), 1) << user.GetStatusText();
+  EXPECT_EQ(shown(), "");
+  ApplyToText(document, "T=new\nS=s\n");
+  EXPECT_EQ(shown(), "new");
+  sub.RemoveField(sub.GetInputFields()[1].get());
+  EXPECT_EQ(second.GetSingleMatchBlock(), nullptr) << "it may hold a block of the sub-record";
+  EXPECT_EQ(shown(), "");
+}
+
+TEST_F(CurrentValues, ClearedFieldsTakeAllSingleMatchBlocksAlong) {
+  CTNTemplateRecord& once =
+      AddRecord(document, RecordKind::SingleMatch, "once", {Alpha(), Newline()});
+  AddRecord(document, RecordKind::SingleMatch, "other", {WholeNum(), Newline()});
+  const Application application = ApplyToText(document, "a\n1\n");
+  const auto& records = document.GetAuxiliaryRecords();
+  ASSERT_NE(records[0]->GetSingleMatchBlock(), nullptr);
+  ASSERT_NE(records[1]->GetSingleMatchBlock(), nullptr);
+  once.ClearFields();
+  EXPECT_EQ(records[0]->GetSingleMatchBlock(), nullptr);
+  EXPECT_EQ(records[1]->GetSingleMatchBlock(), nullptr);
+}
+
+TEST_F(CurrentValues, ARecordThatIsNotInTheTemplateLosesItsBlockWithAFieldToo) {
+  CTNTemplateRecord alone(nullptr);
+  AddField(alone, Alpha());
+  alone.SetSingleMatchBlock(std::make_shared<CTNParsedFileBlock>(nullptr));
+  alone.RemoveField(alone.GetInputFields()[0].get());
+  EXPECT_EQ(alone.GetSingleMatchBlock(), nullptr);
 }
 
 TEST_F(CurrentValues, SingleMatchElementsSeeTheBlockAtHand) {

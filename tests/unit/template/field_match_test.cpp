@@ -192,6 +192,12 @@ TEST(FieldMatch, NotWhiteSpaceTakesEverythingElseUpToTheLineEnd) {
   EXPECT_EQ(Matched(NotWhtSpace(), " a"), kNo);
 }
 
+TEST(FieldMatch, NotWhiteSpaceWithMatchValuesMustBeOne) {
+  const FieldSpec either = Field(FieldKind::NotWhtSpace, "a-b|c");
+  EXPECT_EQ(Matched(either, "A-B x"), Took("A-B"));
+  EXPECT_EQ(Matched(either, "a-bc"), kNo);
+}
+
 TEST(FieldMatch, NewlineTakesOneLineFeedAndItsTextIsEmpty) {
   EXPECT_EQ(Matched(Newline(), "\n\n"), "took '' in 1");
   EXPECT_EQ(Matched(Newline(), "\r\n"), kNo);
@@ -315,6 +321,24 @@ TEST(FieldMatch, ASubRecordFieldTakesOneInstanceAndItsTextIsEmpty) {
   EXPECT_EQ(value, "");
   EXPECT_EQ(cursor.GetPosition(), 3U);
   EXPECT_EQ(block.ToReadableText(), "A2{F1=A1{F1=ab|F2= }}");
+}
+
+TEST(FieldMatch, ASubRecordFieldWhoseElementTheBlockRefusesFailsAndGoesBack) {
+  CTNParserTemplate document(nullptr);
+  AddRecord(document, RecordKind::SubRecord, "word", {Alpha()});
+  CTNTemplateRecord& record = AddRecord(document, RecordKind::SubRecord, "one", {SubRecord("A1")});
+  CTNTemplateRecord& other = AddRecord(document, RecordKind::SubRecord, "two", {SubRecord("A1")});
+  CTNParsedFileBlock block(nullptr);
+  CTNStringCharBuffIter cursor("ab");
+  std::string value;
+  const auto match = [&](CTNTemplateRecord& of) {
+    return of.GetInputFields()[0]->Match(cursor, &block, value, nullptr, KeepValues::No);
+  };
+  ASSERT_TRUE(match(record));
+  cursor.SetPosition(0);
+  EXPECT_FALSE(match(other));
+  EXPECT_EQ(cursor.GetPosition(), 0U);
+  EXPECT_EQ(block.ToReadableText(), "A2{F1=A1{F1=ab}}");
 }
 
 TEST(FieldMatch, ASubRecordFieldMatchesWithoutABlock) {

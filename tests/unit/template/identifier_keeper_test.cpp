@@ -1,6 +1,7 @@
 #include "template/CTNIdentifierKeeper.h"
 #include "template/CTNParserTemplate.h"
 #include "template/Identifiers.h"
+#include "tests/support/OutputTexts.h"
 #include "tests/support/TemplateBuilder.h"
 
 #include <gtest/gtest.h>
@@ -178,12 +179,46 @@ TEST_F(IdentifierKeeperTest, ADeletedRecordBecomesUnknownWithItsFieldsAndTheOthe
   EXPECT_EQ(Expressions(), (Texts{"?? ??.?? A1.F1 ??.??", "A1"}));
 }
 
+TEST_F(IdentifierKeeperTest, BehindADeletedRecordNothingMeansSomethingElse) {
+  while (!first->GetOutputFields().empty())
+    first->RemoveField(Element(first, 1));
+  first->RemoveField(Field(first, 4));
+  first->RemoveField(Field(first, 3));
+  Write({"A1.F3", "A1.V1", "A1.A2", "A1.e1", "A1.templ_scale", "A1.TYPE", "A1..F1", "A1.mm A1.12"});
+  document.DeleteRecord(first);
+  EXPECT_EQ(Expressions(),
+            (Texts{"??.??", "??.??", "??.??", "??.??", "??.??", "??.??", "??..??", "??.mm ??.12"}));
+  for (std::size_t number = 1; number <= 6; ++number)
+    EXPECT_EQ(ReadableItems(*Element(own, number)), "[text ??][text .][text ??]");
+  EXPECT_EQ(ReadableItems(*Element(own, 7)), "[text ??][text .][text .][text ??]");
+}
+
 TEST_F(IdentifierKeeperTest, AMovedRecordTakesItsIdentifierAlong) {
   Write({"A1.F1 A2.F2", "A2"});
   document.MoveRecord(second, first);
   EXPECT_EQ(Expressions(), (Texts{"A2.F1 A1.F2", "A1"}));
   document.MoveRecord(second, nullptr);
   EXPECT_EQ(Expressions(), (Texts{"A1.F1 A2.F2", "A2"}));
+}
+
+TEST_F(IdentifierKeeperTest, ARecordThatWasGivenATypeOfTheOtherListTakesItsFieldsAlongToo) {
+  Write({"A1.F2 A2.F1 F2"});
+  first->SetType(RecordKind::Part);
+  const auto field = first->RemoveField(Field(first, 2));
+  EXPECT_EQ(Expressions(), Texts{"??.?? A2.F1 F2"});
+  EXPECT_FALSE(Element(own, 1)->RefersTo(field.get()));
+  EXPECT_EQ(ReadableItems(*Element(own, 1)),
+            "[text ??][text .][text ??][blank][record A2[dot][field F1]][blank][field F2]");
+}
+
+TEST_F(IdentifierKeeperTest,
+       BehindARecordThatWasGivenATypeOfTheOtherListNothingMeansSomethingElse) {
+  Write({"A1.F1 A1.V2", "1"});
+  first->SetType(RecordKind::Part);
+  first->RemoveField(Field(first, 2));
+  EXPECT_EQ(Expressions(), (Texts{"??.?? ??.??", "1"}));
+  EXPECT_FALSE(Element(own, 1)->RefersTo(Field(own, 1)));
+  EXPECT_FALSE(Element(own, 1)->RefersTo(Element(own, 2)));
 }
 
 TEST_F(IdentifierKeeperTest, ASubRecordFieldFollowsItsRecordToo) {
@@ -212,7 +247,7 @@ TEST_F(IdentifierKeeperTest, TextsThatDoNotParseFollowToo) {
   }
   InsertBefore(own, 1);
   document.DeleteRecord(first);
-  EXPECT_EQ(Expressions(), (Texts{"?? F3 V1", "E1 F3", "??.F77 F3", "F3 \"F2 open", "A1."}));
+  EXPECT_EQ(Expressions(), (Texts{"?? F3 V1", "E1 F3", "??.?? F3", "F3 \"F2 open", "A1."}));
 }
 
 TEST_F(IdentifierKeeperTest, OperatorsBlanksAndParenthesesStayAsTheyAre) {

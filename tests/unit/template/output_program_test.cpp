@@ -1,11 +1,18 @@
 // The entity list put together by the compiled program and by the records themselves.
 
+#include "template/NestingLimits.h"
 #include "template/OutputProgram.h"
 #include "tests/support/Application.h"
+#include "tests/support/FailingMemory.h"
+#include "tests/support/Repeat.h"
 #include "tests/support/TemplateBuilder.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
+#include <vector>
 
 namespace bomparser::test {
 namespace {
@@ -41,6 +48,15 @@ class OutputProgramTest : public testing::Test {
   }
   CTNParserTemplate document{nullptr};
 };
+
+/// `count` elements, V`first` and those behind it: each names the next one, the last says `end`.
+std::vector<OutputSpec> Chain(int first, int count, const std::string& end) {
+  std::vector<OutputSpec> elements;
+  for (int i = 1; i < count; ++i)
+    elements.push_back({OutputTag::Text, "V" + std::to_string(first + i)});
+  elements.push_back({OutputTag::Text, end});
+  return elements;
+}
 
 TEST_F(OutputProgramTest, EveryEntityBlockGivesOneEntity) {
   Add(RecordKind::MultipleMatch, {WholeNum(), Newline()}, {{OutputTag::Text, "F1"}});
@@ -175,6 +191,130 @@ TEST_F(OutputProgramTest, ElementsThatNameEachOtherEnd) {
   record.Validate();
   ASSERT_EQ(record.IsValid(), 1) << record.GetStatusText();
   EXPECT_EQ(Rest("a\n"), "<TEXT>a</TEXT><TEXT>a </TEXT>");
+}
+
+TEST_F(OutputProgramTest, AVeryLongChainOfSubRecordsIsCompiledAndWritten) {
+  constexpr int kCount = 30'000;
+  const std::string word =
+      "<TEMPLATE_RECORD TYPE='Sub-Record'>"
+      "<INPUT_FIELD TYPE='STRING'><MATCH_VALUE_STR>x</MATCH_VALUE_STR></INPUT_FIELD>";
+  std::string xml = "<PARSER_TEMPLATE>";
+  for (int next = 2; next <= kCount; ++next) {
+    xml += word + "<INPUT_FIELD TYPE='SUBRECORD' REQUIRED='FALSE'><MATCH_VALUE_STR>A" +
+           std::to_string(next) +
+           "</MATCH_VALUE_STR></INPUT_FIELD>"
+           "<OUTPUT_FIELD KEY='TEXT'><VALUE>F1 F2</VALUE></OUTPUT_FIELD></TEMPLATE_RECORD>";
+  }
+  ASSERT_EQ(document.LoadFromXml(xml + word + "</TEMPLATE_RECORD></PARSER_TEMPLATE>"), kXmlOk);
+  AddPart({WholeNum(), SubRecord("A1"), Newline()}, {{OutputTag::Text, "F2"}});
+  EXPECT_EQ(Rest("7xxx\n"), "<TEXT>xxx </TEXT>");
+}
+
+// ------------------------------------------------------------------------------- limits
+
+/// Items that are given whole: each follows seven references and gives four words. Behind them four
+/// references are left, which lead to two words more.
+constexpr std::size_t kWhole = kMaxReferences / 7;
+static_assert(kMaxReferences % 7 == 4);
+
+TEST_F(OutputProgramTest, AllItemsOfOneExpressionTogetherFollowAsManyReferencesAsAValueMay) {
+  AddPart({Alpha(), Newline()}, {{OutputTag::Text, "V4 V4"},
+                                 {OutputTag::Text, "V5 V5"},
+                                 {OutputTag::Text, "F1"},
+                                 {OutputTag::Text, Repeat("V3 ", 2000)}});
+  EXPECT_EQ(Rest("a\n"), "<TEXT>a a a a </TEXT><TEXT>a a </TEXT><TEXT>a</TEXT><TEXT>" +
+                             Repeat("a a a a ", kWhole) + "a a </TEXT>");
+}
+
+TEST_F(OutputProgramTest, ReferencesInsideSingleMatchRecordsCountForTheValueThatNamesThem) {
+  Add(RecordKind::SingleMatch, {Alpha("mm|in"), Newline()},
+      {{OutputTag::Text, "V2 V2"}, {OutputTag::Text, "V3 V3"}, {OutputTag::Text, "F1"}});
+  AddPart({Alpha(), Newline()}, {{OutputTag::Text, "V4 V4"},
+                                 {OutputTag::Text, "V5 V5"},
+                                 {OutputTag::Text, "F1"},
+                                 {OutputTag::Text, Repeat("V3 A1.V1 ", 1000)}});
+  static_assert(kWhole % 2 == 0);
+  EXPECT_EQ(Rest("a\nmm\n"), "<TEXT>a a a a </TEXT><TEXT>a a </TEXT><TEXT>a</TEXT><TEXT>" +
+                                 Repeat("a a a a mm mm mm mm ", kWhole / 2) + "a a </TEXT>");
+}
+
+constexpr std::size_t kDeepest = kMaxReferenceDepth;
+
+TEST_F(OutputProgramTest, AnElementOfASingleMatchRecordIsOneReferenceMore) {
+  Add(RecordKind::SingleMatch, {Alpha("mm|in"), Newline()}, {{OutputTag::Text, "F1"}});
+  AddPart({Alpha(), Newline()}, Chain(3, kDeepest + 10, "A1.V1"));
+  EXPECT_EQ(Rest("a\nmm\n"), Repeat("<TEXT></TEXT>", 10) + Repeat("<TEXT>mm </TEXT>", kDeepest));
+}
+
+TEST_F(OutputProgramTest, AFieldOfASingleMatchRecordIsNoReference) {
+  Add(RecordKind::SingleMatch, {Alpha("mm|in"), Newline()});
+  AddPart({Alpha(), Newline()}, Chain(3, kDeepest + 10, "A1.F1"));
+  EXPECT_EQ(Rest("a\nmm\n"),
+            Repeat("<TEXT></TEXT>", 9) + Repeat("<TEXT>mm </TEXT>", kDeepest) + "<TEXT>mm</TEXT>");
+}
+
+TEST_F(OutputProgramTest, ReferencesInFrontOfASubRecordCountForWhatItMayFollowThere) {
+  Add(RecordKind::SubRecord, {WholeNum()}, Chain(1, 100, "F1"));
+  std::vector<OutputSpec> outputs = Chain(4, 151, "F2");
+  outputs.insert(outputs.begin(), {OutputTag::Text, "F2"});
+  AddPart({Alpha(), SubRecord("A1"), Newline()}, outputs);
+  const auto ones = [](std::size_t count) { return "<TEXT>" + Repeat("1 ", count) + "</TEXT>"; };
+  std::string expected = ones(100);
+  for (std::size_t before = 151; before-- > 0;)
+    expected += ones(std::min<std::size_t>(100, kDeepest - before + 1));
+  EXPECT_EQ(Rest("a1\n"), expected);
+}
+
+// ------------------------------------------------------------------------------- out of memory
+
+/// Values of a single-match record, through symbols and long enough to need memory.
+class OutputWithoutMemoryTest : public OutputProgramTest {
+ protected:
+  OutputWithoutMemoryTest() {
+    const std::string quoted = " \"" + kLong + '"';
+    Add(RecordKind::SingleMatch, {String("T="), Alpha(), Newline()},
+        {{OutputTag::Text, "V2 V2"}, {OutputTag::Width, "F2" + quoted}});
+    AddPart({Alpha(), Newline()}, {{OutputTag::Text, "V4 A1.V1"},
+                                   {OutputTag::None, "A1"},
+                                   {OutputTag::Text, "F1 A1.V2" + quoted}});
+    application = ApplyToText(document, "T=t\nR\n");
+  }
+
+  /// Lets every allocation of the attempt fail in turn; what is written next must be whole.
+  template <class Attempt>
+  void ExpectNextIsWhole(Attempt attempt) {
+    const std::string title = "t" + kLong;
+    const std::string whole =
+        "<ENTITY>Part<REF_DESIGNATOR>R</REF_DESIGNATOR><PART_NUMBER>P</PART_NUMBER><TEXT>" +
+        Repeat(title + ' ', 5) + "</TEXT><TEXT>" + Repeat(title + ' ', 2) + "</TEXT><WIDTH>" +
+        title + "</WIDTH><TEXT>R" + title + ' ' + kLong + "</TEXT></ENTITY>";
+    const std::int64_t failures = ForEveryAllocation([&](std::int64_t granted) {
+      bool thrown = false;
+      const bool failed = FailsAfter(granted, [&] {
+        try {
+          attempt();
+        } catch (const std::bad_alloc&) {
+          thrown = true;
+        }
+      });
+      EXPECT_EQ(thrown, failed);
+      EXPECT_EQ(EntityListOf(application), whole) << granted;
+      EXPECT_EQ(EntityListPlainly(application), whole) << granted;
+      return failed;
+    });
+    EXPECT_GT(failures, 0);
+  }
+
+  const std::string kLong = std::string(40, '-');
+  Application application;
+};
+
+TEST_F(OutputWithoutMemoryTest, AfterAListThatFailedTheNextOneIsWhole) {
+  ExpectNextIsWhole([this] { EntityListOf(application); });
+}
+
+TEST_F(OutputWithoutMemoryTest, AfterAnEntityTextThatFailedTheNextOneIsWhole) {
+  ExpectNextIsWhole([this] { EntityListPlainly(application); });
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 #include "template/CTNParserTemplate.h"
 #include "tests/support/Application.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/FailingMemory.h"
 #include "tests/support/OutputTexts.h"
 #include "tests/support/TemplateBuilder.h"
 
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -28,13 +30,7 @@ std::string ListsOf(const CTNParserTemplate& document) {
   return text;
 }
 
-class ParserTemplateTest : public testing::Test {
- protected:
-  FakeContext context;
-  CTNParserTemplate document{&context};
-};
-
-TEST_F(ParserTemplateTest, ANewTemplateIsEmptyUntitledAndUnsaved) {
+void ExpectNew(CTNParserTemplate& document) {
   EXPECT_EQ(ListsOf(document), "E: A:");
   EXPECT_EQ(document.GetFilePath(), "unsaved");
   EXPECT_EQ(document.GetTitle(), "untitled");
@@ -49,6 +45,14 @@ TEST_F(ParserTemplateTest, ANewTemplateIsEmptyUntitledAndUnsaved) {
   EXPECT_EQ(document.GetErrorLog().GetAllLines(), Texts{});
 }
 
+class ParserTemplateTest : public testing::Test {
+ protected:
+  FakeContext context;
+  CTNParserTemplate document{&context};
+};
+
+TEST_F(ParserTemplateTest, ANewTemplateIsEmptyUntitledAndUnsaved) { ExpectNew(document); }
+
 TEST_F(ParserTemplateTest, InitBringsANewTemplateBack) {
   AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()});
   AddRecord(document, RecordKind::SingleMatch, "title", {Alnum(), Newline()});
@@ -61,18 +65,19 @@ TEST_F(ParserTemplateTest, InitBringsANewTemplateBack) {
   document.SetModified(ChangeKind::Modified);
   document.GetErrorLog().AddMessage("error");
   EXPECT_NE(document.Init(), 0);
-  EXPECT_EQ(ListsOf(document), "E: A:");
-  EXPECT_EQ(document.GetFilePath(), "unsaved");
-  EXPECT_EQ(document.GetTitle(), "untitled");
-  EXPECT_EQ(document.GetUnits(), 0);
-  EXPECT_EQ(document.GetUnitsName(), "Inch");
-  EXPECT_EQ(document.GetScaleFactor(), 1.0);
-  EXPECT_EQ(document.GetBeginRow(), 1);
-  EXPECT_EQ(document.GetEndAfterRow(), 0);
-  EXPECT_FALSE(document.IsModified());
-  EXPECT_TRUE(document.IsEmptyTemplate());
-  EXPECT_EQ(document.GetErrorLog().GetLogName(), "templerrs.log");
-  EXPECT_EQ(document.GetErrorLog().GetAllLines(), Texts{});
+  ExpectNew(document);
+}
+
+TEST_F(ParserTemplateTest,
+       AnAuxiliaryRecordThatIsInitialisedInItsListLeavesNoReferenceToItsFields) {
+  CTNTemplateRecord& once =
+      AddRecord(document, RecordKind::SingleMatch, "once", {Alpha(), Newline()});
+  CTNTemplateRecord& other = AddRecord(document, RecordKind::Part, "other", {Alpha(), Newline()},
+                                       {{OutputTag::Text, "A1.F1"}});
+  Relink(document);
+  once.Init();
+  EXPECT_EQ(other.GetOutputFields()[0]->GetExpression(), "??.??");
+  EXPECT_EQ(other.GetOutputFields()[0]->GetExpressionText(), "??.??");
 }
 
 TEST_F(ParserTemplateTest, BothBuiltInRecordsTakeTheRestOfALineAndTheSecondIsOfType11) {
@@ -170,6 +175,33 @@ TEST_F(ParserTemplateTest, AnotherTemplatesRecordCanBeCopied) {
   EXPECT_EQ(ListsOf(other), "E: part A:");
 }
 
+TEST_F(ParserTemplateTest, ACopyFromAnotherTemplateNamesTheSubRecordsOfThisOne) {
+  const CTNTemplateRecord* mine = document.AddRecord(RecordKind::SubRecord, "mine");
+  const CTNTemplateRecord* copy = nullptr;
+  {
+    CTNParserTemplate other(nullptr);
+    AddRecord(other, RecordKind::SubRecord, "first", {WholeNum()});
+    AddRecord(other, RecordKind::SubRecord, "second", {WholeNum()});
+    AddRecord(other, RecordKind::Part, "part",
+              {SubRecord("a1"), SubRecord("A2"), SubRecord("A3"), Newline()});
+    copy = document.AddRecordCopy(RecordOf(other, "E1"));
+    EXPECT_EQ(FieldOf(RecordOf(other, "E1"), 1).GetSubRecord(), &RecordOf(other, "A1"));
+  }
+  EXPECT_EQ(FieldOf(*copy, 1).GetSubRecord(), mine);
+  EXPECT_EQ(FieldOf(*copy, 1).GetMatchValueText(), "A1");
+  EXPECT_EQ(FieldOf(*copy, 2).GetSubRecord(), nullptr);
+  EXPECT_EQ(FieldOf(*copy, 2).GetMatchValueText(), "A2");
+  EXPECT_EQ(FieldOf(*copy, 3).GetSubRecord(), nullptr);
+  EXPECT_EQ(FieldOf(*copy, 3).GetMatchValueText(), "A3");
+}
+
+TEST_F(ParserTemplateTest, ACopyWithinATemplateNamesTheSameSubRecords) {
+  CTNTemplateRecord& sub = AddRecord(document, RecordKind::SubRecord, "sub", {WholeNum()});
+  CTNTemplateRecord& user =
+      AddRecord(document, RecordKind::MultipleMatch, "user", {SubRecord("A1"), Newline()});
+  EXPECT_EQ(FieldOf(*document.AddRecordCopy(user), 1).GetSubRecord(), &sub);
+}
+
 TEST_F(ParserTemplateTest, DeletingE1MakesTheFormerE2TheNewE1) {
   const CTNTemplateRecord* one = document.AddRecord(RecordKind::Part, "one");
   const CTNTemplateRecord* two = document.AddRecord(RecordKind::Part, "two");
@@ -201,6 +233,17 @@ TEST_F(ParserTemplateTest, ARecordThatWasGivenATypeOfTheOtherListIsInNeither) {
   EXPECT_EQ(ListsOf(document), "E: one two A: three");
   one->SetType(RecordKind::Drill);
   EXPECT_EQ(document.GetRecordID(one), "E1");
+}
+
+TEST_F(ParserTemplateTest, ARecordThatWasGivenATypeOfTheOtherListIsNotFoundByItsOldIdentifier) {
+  CTNTemplateRecord* one = document.AddRecord(RecordKind::Part, "one");
+  const CTNTemplateRecord* two = document.AddRecord(RecordKind::Part, "two");
+  one->SetType(RecordKind::SubRecord);
+  EXPECT_EQ(document.FindRecordByID("E1"), nullptr);
+  EXPECT_EQ(document.FindRecordByID("A1"), nullptr);
+  EXPECT_EQ(document.FindRecordByID("E2"), two);
+  one->SetType(RecordKind::Drill);
+  EXPECT_EQ(document.FindRecordByID("E1"), one);
 }
 
 TEST_F(ParserTemplateTest, DeleteAllRecordsEmptiesBothLists) {
@@ -375,6 +418,31 @@ TEST_F(ParserTemplateTest, ErrorsGoToTheEngineOrWithoutOneToTheOwnLog) {
   EXPECT_EQ(alone.GetErrorLog().GetAllLines(), Texts{"two"});
 }
 
+TEST_F(ParserTemplateTest, AResetGivesTheErrorLogItsNameBack) {
+  EXPECT_EQ(document.GetErrorLog().GetLogName(), "templerrs.log");
+  document.GetErrorLog().AddMessage("error");
+  document.GetErrorLog().ClearLog();
+  EXPECT_EQ(document.GetErrorLog().GetLogName(), "");
+  document.Init();
+  EXPECT_EQ(document.GetErrorLog().GetLogName(), "templerrs.log");
+}
+
+TEST_F(ParserTemplateTest, WhoDropsTheContentKeepsTheErrorLog) {
+  AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()});
+  document.SetTitle("title");
+  document.SetFilePath("/path");
+  document.SetUnits(2);
+  document.SetScaleFactor(2.5);
+  document.SetBeginRow(3);
+  document.SetEndAfterRow(-4);
+  document.SetModified(ChangeKind::Modified);
+  document.GetErrorLog().AddMessage("error");
+  document.DropContent();
+  EXPECT_EQ(document.GetErrorLog().GetAllLines(), Texts{"error"});
+  document.GetErrorLog().GetErrors().clear();
+  ExpectNew(document);
+}
+
 TEST_F(ParserTemplateTest, TheFileNameIsThatOfThePath) {
   EXPECT_EQ(document.GetTemplateFileName(), "unsaved");
   document.SetFilePath("/some/where/a.b.xml");
@@ -411,6 +479,107 @@ TEST_F(ParserTemplateTest, AuxiliaryRecordsAreValidatedBeforeEntityRecords) {
 }
 
 TEST_F(ParserTemplateTest, AnEmptyTemplateIsValid) { EXPECT_EQ(document.Validate(), 1); }
+
+// ------------------------------------------------------------------------------- out of memory
+
+/// Identifiers, descriptions, patterns and expressions of all records.
+Texts ContentOf(const CTNParserTemplate& document) {
+  Texts content;
+  for (const auto* list : {&document.GetEntityRecords(), &document.GetAuxiliaryRecords()}) {
+    for (const auto& record : *list) {
+      content.push_back(record->GetRecordId() + ' ' + record->GetDescription());
+      for (const auto& field : record->GetInputFields()) {
+        content.push_back(std::string(field->GetTypeName()) + ' ' + field->GetMatchValueText());
+      }
+      for (const auto& element : record->GetOutputFields()) {
+        content.push_back(std::string(element->GetTagText()) + " := " + element->GetExpression());
+      }
+    }
+  }
+  return content;
+}
+
+/// Nine single-match records, and two records whose expressions need more room when A9 becomes A10.
+struct NineRecords {
+  CTNParserTemplate document{nullptr};
+
+  NineRecords() {
+    for (int i = 1; i <= 9; ++i) {
+      AddRecord(document, RecordKind::SingleMatch, "title " + std::to_string(i),
+                {Alpha("a value that is long"), Newline()}, {{OutputTag::Text, "F1"}});
+    }
+    for (const char* name : {"a part", "another part"}) {
+      AddRecord(document, RecordKind::Part, name, {Alnum(), SubRecord("E1"), Newline()},
+                {Designator("A9 A9 A9 A9 A9"), PartNumber("A9.F1+A9.F1+A1"), None("A1 E2.F1")});
+    }
+  }
+};
+
+/// Lets every allocation of the edit fail in turn. An edit that tells a failure must have left
+/// everything as it was and have reported it, one that does not must have done all of it.
+template <class Edit>
+void ExpectEditSurvivesFailures(Edit edit) {
+  NineRecords undisturbed;
+  const Texts before = ContentOf(undisturbed.document);
+  ASSERT_TRUE(edit(undisturbed.document));
+  const Texts after = ContentOf(undisturbed.document);
+  ASSERT_NE(before, after);
+  int told = 0;
+  ForEveryAllocation([&](std::int64_t granted) {
+    NineRecords records;
+    bool done = false;
+    const bool failed = FailsAfter(granted, [&] { done = edit(records.document); });
+    EXPECT_EQ(ContentOf(records.document), done ? after : before) << granted;
+    const Texts log = records.document.GetErrorLog().GetAllLines();
+    for (const std::string& line : log)
+      EXPECT_EQ(line, XmlStatusText(kXmlOutOfMemory));
+    if (!done) {
+      ++told;
+      EXPECT_NE(log, Texts());
+    }
+    EXPECT_TRUE(done || failed);
+    return failed;
+  });
+  EXPECT_GT(told, 0);
+}
+
+TEST(ParserTemplateWithoutMemory, AddingARecordIsReportedAndChangesNothing) {
+  constexpr std::string_view kDescription = "a description that needs memory";
+  ExpectEditSurvivesFailures([kDescription](CTNParserTemplate& document) {
+    return document.AddRecord(RecordKind::SubRecord, kDescription) != nullptr;
+  });
+  ExpectEditSurvivesFailures([kDescription](CTNParserTemplate& document) {
+    return document.AddRecord(RecordKind::SubRecord, kDescription, document.FindRecordByID("A1")) !=
+           nullptr;
+  });
+}
+
+TEST(ParserTemplateWithoutMemory, CopyingARecordIsReportedAndChangesNothing) {
+  ExpectEditSurvivesFailures([](CTNParserTemplate& document) {
+    return document.AddRecordCopy(*document.FindRecordByID("E1")) != nullptr;
+  });
+  NineRecords other;
+  ExpectEditSurvivesFailures([&other](CTNParserTemplate& document) {
+    return document.AddRecordCopy(*other.document.FindRecordByID("E1")) != nullptr;
+  });
+}
+
+TEST(ParserTemplateWithoutMemory, DeletingARecordIsReportedAndChangesNothing) {
+  for (const char* id : {"A1", "A9", "E1"}) {
+    ExpectEditSurvivesFailures([id](CTNParserTemplate& document) {
+      return document.DeleteRecord(document.FindRecordByID(id));
+    });
+  }
+}
+
+TEST(ParserTemplateWithoutMemory, MovingARecordIsReportedAndChangesNothing) {
+  ExpectEditSurvivesFailures([](CTNParserTemplate& document) {
+    return document.MoveRecord(document.FindRecordByID("A9"), document.FindRecordByID("A1"));
+  });
+  ExpectEditSurvivesFailures([](CTNParserTemplate& document) {
+    return document.MoveRecord(document.FindRecordByID("A1"), nullptr);
+  });
+}
 
 class ParserTemplateLocaleTest : public CommaLocaleTest {};
 

@@ -46,8 +46,12 @@ TEST_F(TagSearchTest, ALongChainOfElementsNeedsNoStack) {
   constexpr int kCount = 100'000;
   CTNTemplateRecord& part = AddRecord(document, RecordKind::Part, "Part", {Alnum(), Newline()});
   for (int i = 1; i <= kCount; ++i)
-    AddOutput(part, {OutputTag::None, "V" + std::to_string(i + 1)});
+    AddOutput(part, {OutputTag::None, "F1"});
   AddOutput(part, {OutputTag::RefDesignator, "F1"});
+  for (int i = 1; i <= kCount; ++i) {
+    part.GetOutputFields()[static_cast<std::size_t>(i - 1)]->SetExpression("V" +
+                                                                           std::to_string(i + 1));
+  }
   part.ReparseOutputExpressions();
   EXPECT_TRUE(TagSearch(OutputTag::RefDesignator).IsReachedFrom(*part.GetOutputFields()[0]));
   EXPECT_FALSE(TagSearch(OutputTag::PartNumber).IsReachedFrom(*part.GetOutputFields()[0]));

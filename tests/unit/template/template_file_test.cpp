@@ -1,14 +1,18 @@
 #include "template/CTNParserTemplate.h"
 #include "tests/support/Application.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/FailingMemory.h"
 #include "tests/support/OutputTexts.h"
 #include "tests/support/TemplateBuilder.h"
+#include "tests/support/TestFolder.h"
 
 #include <cmath>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
 #include <random>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -415,6 +419,18 @@ TEST_F(TemplateFileTest, UnknownElementsAndAttributesAreIgnoredAndWhatTheyHoldIs
                                       Record("Part", "part", InputField("NEWLINE"))));
 }
 
+TEST_F(TemplateFileTest, ProcessingInstructionsAreNoRecordsAndNoFields) {
+  const std::string record = Record("Sub-Record", "sub", InputField("WHOLE_NUM"));
+  Load(Document("<?TEMPLATE_RECORD TYPE=\"Part\"?>" + Parameters() +
+                Record("Sub-Record", "sub",
+                       "<?INPUT_FIELD TYPE=\"ALPHA\"?>" + InputField("WHOLE_NUM") +
+                           "<?OUTPUT_FIELD KEY=\"TEXT\"?>")));
+  EXPECT_EQ(XmlOf(document), Document(Parameters() + record));
+  document.Init();
+  EXPECT_EQ(document.LoadFromXml("<?PARSER_TEMPLATE?><x><?TEMPLATE_RECORD?></x>"),
+            kXmlGeneralFailure);
+}
+
 TEST_F(TemplateFileTest, NamesAreUpperCase) {
   Load(
       Document("<template_record TYPE=\"Part\"/><Title>x</Title>"
@@ -602,6 +618,116 @@ TEST_F(TemplateFileTest, AHundredThousandRecordsAreReadAndWrittenBack) {
   EXPECT_EQ(document.GetRecordID(document.GetEntityRecords().back().get()), "E50000");
   EXPECT_EQ(RecordOf(document, "E50000").IsValid(), 1);
   EXPECT_TRUE(XmlOf(document) == xml) << "what is written differs from what was read";
+}
+
+// ------------------------------------------------------------------------------- out of memory
+
+/// Names, values and descriptions that need memory.
+std::string NeedyTemplate() {
+  return Document(
+      Parameters("MM", "0.5", "2", "-3", "<TITLE>a title that is too long to be kept</TITLE>") +
+      Record("Sub-Record", "a sub-record of a number",
+             InputField("WHOLE_NUM", "1000000000000000|2000000000000000") +
+                 InputField("STRING", "something quite long") +
+                 OutputField("TEXT", "F1 + \"something longer\" + F2") +
+                 OutputField("VALUE_u_MICRO", "\"something longer\"")) +
+      Record("Part", "a part with a sub-record",
+             InputField("ALPHANUMERIC") + InputField("SUBRECORD", "A1", "-1", kRepeatable) +
+                 InputField("NEWLINE") + OutputField("REF_DESIGNATOR", "F1 A1.DESCRIPTION") +
+                 OutputField("PART_NUMBER", "V1 \"something longer\"") +
+                 OutputField("NONE", "F2")));
+}
+
+/// How many fields all records have: "5 in, 5 out".
+std::string CountFields(const CTNParserTemplate& document) {
+  std::size_t inputs = 0;
+  std::size_t outputs = 0;
+  for (const auto* list : {&document.GetAuxiliaryRecords(), &document.GetEntityRecords()}) {
+    for (const auto& record : *list) {
+      inputs += record->GetInputFields().size();
+      outputs += record->GetOutputFields().size();
+    }
+  }
+  return std::to_string(inputs) + " in, " + std::to_string(outputs) + " out";
+}
+
+class LoadWithoutMemoryTest : public TestFolder {
+ protected:
+  /// Lets every allocation of the load fail in turn. A load that fails leaves a new template and
+  /// the error log; one that does not has loaded all, or tells what it left out.
+  template <class Load>
+  void ExpectLoadSurvivesFailures(Load load, MemoryFails fails = MemoryFails::Once) {
+    const std::int64_t failures = ForEveryAllocation([&](std::int64_t granted) {
+      CTNParserTemplate document(nullptr);
+      document.GetErrorLog().AddMessage("before");
+      int status = kXmlOk;
+      const bool failed = FailsAfter(
+          granted, [&] { status = load(document); }, fails);
+      Texts log = document.GetErrorLog().GetAllLines();
+      const bool kept = !log.empty() && log[0] == "before";
+      EXPECT_TRUE(kept) << granted;
+      if (kept) log.erase(log.begin());
+      if (status < 0) {
+        ExpectReset(document);
+      } else if (log.empty()) {
+        EXPECT_EQ(XmlOf(document), xml) << granted;
+      } else {
+        leftOut.insert(CountFields(document) + ": " + log[0]);
+      }
+      return failed;
+    });
+    EXPECT_GT(failures, 0);
+  }
+
+  static void ExpectReset(CTNParserTemplate& document) {
+    EXPECT_EQ(XmlOf(document), Document(Parameters()));
+    EXPECT_TRUE(document.IsEmptyTemplate());
+    EXPECT_FALSE(document.IsModified());
+    EXPECT_EQ(document.GetFilePath(), "unsaved");
+    EXPECT_EQ(document.GetErrorLog().GetLogName(), "templerrs.log");
+    EXPECT_EQ(ApplyToText(document, "a\n").Readable(), Texts{"??{F1=a|F2=}"});
+  }
+
+  const std::string xml = NeedyTemplate();
+  std::set<std::string> leftOut;
+};
+
+TEST_F(LoadWithoutMemoryTest, ATextIsLoadedWithWhatItTellsOrNotAtAll) {
+  ExpectLoadSurvivesFailures(
+      [this](CTNParserTemplate& document) { return document.LoadFromXml(xml); });
+  for (const std::string record : {"a sub-record of a number", "a part with a sub-record"}) {
+    EXPECT_EQ(leftOut.count("4 in, 5 out: Error loading input field for record " + record +
+                            ". Possible low memory condition."),
+              1u);
+    EXPECT_EQ(leftOut.count("5 in, 4 out: Error loading output field for record " + record +
+                            ". Possible low memory condition."),
+              1u);
+  }
+}
+
+TEST_F(LoadWithoutMemoryTest, AFileIsLoadedWithWhatItTellsOrNotAtAll) {
+  WriteFile("template.xml", xml);
+  const std::string path = PathOf("template.xml");
+  ExpectLoadSurvivesFailures(
+      [&path](CTNParserTemplate& document) { return document.LoadFromFile(path); });
+  EXPECT_NE(leftOut, std::set<std::string>());
+}
+
+TEST_F(LoadWithoutMemoryTest, WhatIsNoTemplateIsNotLoaded) {
+  const std::string missing = PathOf("missing.xml");
+  for (const char* text : {"<PARSER_TEMPLATE><TITLE>open", "<OTHER>text</OTHER>"}) {
+    ExpectLoadSurvivesFailures(
+        [text](CTNParserTemplate& document) { return document.LoadFromXml(text); });
+  }
+  ExpectLoadSurvivesFailures(
+      [&missing](CTNParserTemplate& document) { return document.LoadFromFile(missing); });
+  EXPECT_EQ(leftOut, std::set<std::string>());
+}
+
+TEST_F(LoadWithoutMemoryTest, WhereTheMemoryEndsForGoodItIsTheSame) {
+  ExpectLoadSurvivesFailures(
+      [this](CTNParserTemplate& document) { return document.LoadFromXml(xml); },
+      MemoryFails::FromThenOn);
 }
 
 class TemplateFileLocaleTest : public CommaLocaleTest {};

@@ -38,7 +38,7 @@ class ValueExpressionTest : public testing::Test {
   /// The items of the expression in E1, or the error.
   std::string Parse(std::string_view expression) {
     CTNTemplRecOutField& element = Element();
-    element.SetExpression(expression);
+    element.SetExpression(std::string(expression));
     std::string error;
     if (!element.ParseExpression(error)) return error;
     EXPECT_EQ(error, "");
@@ -55,7 +55,7 @@ class ValueExpressionTest : public testing::Test {
   /// say the same.
   std::string Value(std::string_view expression, std::string_view input = "T=board\nR1 10K 5\n") {
     CTNTemplRecOutField& element = Element();
-    element.SetExpression(expression);
+    element.SetExpression(std::string(expression));
     EXPECT_EQ(element.Validate(), 1) << element.GetStatusText();
     document.Validate();
     const Application application = ApplyToText(document, input);
@@ -473,6 +473,57 @@ TEST_F(ValueExpressionTest, TextsThatDoNotParseFollowAsWell) {
   EXPECT_EQ(Element().GetExpression(), "A1 + A2.F1 + E2");
   document.MoveRecord(document.FindRecordByID("E2"), document.FindRecordByID("E1"));
   EXPECT_EQ(ElementOf(RecordOf(document, "E2"), 1).GetExpression(), "A1 + A2.F1 + E1");
+}
+
+TEST(ValueExpression, WhatIsAppendedIsMeantByExpressionsThatNamedItBefore) {
+  CTNParserTemplate document(nullptr);
+  const auto items = [&document](std::size_t number) {
+    return ReadableItems(ElementOf(RecordOf(document, "E1"), number));
+  };
+  CTNTemplateRecord& part =
+      AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()},
+                {Designator("F3"), PartNumber("v4"), {OutputTag::Text, "A1.F1"}});
+  EXPECT_EQ(items(1), "[text F3]");
+  EXPECT_EQ(items(2), "[text v4]");
+  EXPECT_EQ(items(3), "[text A1][text .][field F1]");
+  AddField(part, Alnum());
+  EXPECT_EQ(items(1), "[field F3]");
+  AddOutput(part, {OutputTag::Width, "\"-\""});
+  EXPECT_EQ(items(2), "[symbol V4]");
+  CTNTemplateRecord* title = document.AddRecord(RecordKind::SingleMatch, "title");
+  EXPECT_EQ(items(3), "") << "a record without fields";
+  AddField(*title, Alnum());
+  EXPECT_EQ(items(3), "[record A1[dot][field F1]]");
+}
+
+TEST(ValueExpression, ACopyThatIsAppendedIsMeantByExpressionsThatNamedItBefore) {
+  CTNParserTemplate document(nullptr);
+  const auto items = [&document](std::size_t number) {
+    return ReadableItems(ElementOf(RecordOf(document, "E1"), number));
+  };
+  CTNTemplateRecord& title =
+      AddRecord(document, RecordKind::SingleMatch, "title", {Alnum(), Newline()});
+  CTNTemplateRecord& part = AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()},
+                                      {Designator("F3 V3"), PartNumber("A2.F1")});
+  part.AppendCopyOfField(FieldOf(part, 1));
+  EXPECT_EQ(items(1), "[field F3][blank][text V3]");
+  part.AppendCopyOfField(ElementOf(part, 2));
+  EXPECT_EQ(items(1), "[field F3][blank][symbol V3]");
+  EXPECT_EQ(items(2), "[text A2][text .][field F1]");
+  document.AddRecordCopy(title);
+  EXPECT_EQ(items(2), "[record A2[dot][field F1]]");
+  EXPECT_EQ(items(3), "[record A2[dot][field F1]]");
+}
+
+TEST(ValueExpression, WhatIsAppendedToARecordOutsideAnyTemplateIsMeantToo) {
+  CTNTemplateRecord record(nullptr);
+  AddField(record, Alnum());
+  CTNTemplRecOutField& element = AddOutput(record, Designator("F2 V2"));
+  record.Validate();
+  EXPECT_EQ(ReadableItems(element), "[text F2][blank][text V2]");
+  AddField(record, Alnum());
+  AddOutput(record, PartNumber());
+  EXPECT_EQ(ReadableItems(element), "[field F2][blank][symbol V2]");
 }
 
 }  // namespace
