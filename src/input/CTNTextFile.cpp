@@ -4,6 +4,7 @@
 #include "tnbase/TNPath.h"
 
 #include <cstring>
+#include <utility>
 
 namespace bomparser {
 
@@ -37,8 +38,9 @@ std::string CTNTextFile::TooLongText() const {
 
 bool CTNTextFile::Open(const std::string& path, std::string& error) {
   Close();
+  std::string opened = path;
   if (!m_source.Open(path, error)) return false;
-  m_path = path;
+  m_path = std::move(opened);
   if (m_source.GetLength() < kTooLong) return true;
   error = TooLongText();
   Close();

@@ -1,5 +1,6 @@
 #include "tnbase/AtomicFile.h"
 
+#include "tnbase/Interrupts.h"
 #include "tnbase/SystemReason.h"
 #include "tnbase/TNPath.h"
 
@@ -101,7 +102,7 @@ int WriteAll(int file, std::string_view bytes) {
     const ssize_t written = write(file, bytes.data(), bytes.size());
     if (written >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno != EINTR) {
+    } else if (errno != EINTR || IsInterrupted()) {
       return errno;
     }
   }
@@ -170,18 +171,20 @@ struct AtomicFile::Unfinished {
     }
     constexpr mode_t kNobodyElse = S_IRUSR | S_IWUSR;
     constexpr mode_t kEverybody = 0666;  // Less what the process's mask takes away.
-    const std::string name = FolderOf(target) + '/' + HiddenName();
+    std::string name = FolderOf(target) + '/' + HiddenName();
     file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
                 replaced != nullptr ? kNobodyElse : kEverybody);
     if (file == kNoFile) {
       return errno;
     }
-    temporary = name;
+    temporary = std::move(name);
     return replaced != nullptr ? TakeOver(file, *replaced) : kDone;
   }
 
   int Finish() {
     const bool flush = durability == Durability::FlushedToDisk && !temporary.empty();
+    // Once the file is in its place nothing may fail any more that has nothing to do with it.
+    const std::string folder = flush ? FolderOf(target) : std::string();
     if (flush && fsync(file) != 0) {
       return errno;
     }
@@ -196,7 +199,7 @@ struct AtomicFile::Unfinished {
       return errno;
     }
     temporary.clear();
-    return flush ? FlushFolder(FolderOf(target)) : kDone;
+    return flush ? FlushFolder(folder) : kDone;
   }
 };
 

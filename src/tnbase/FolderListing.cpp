@@ -13,8 +13,8 @@ bool ListFolder(const std::string& folder, std::vector<std::string>& names, std:
   std::vector<std::string> listed;
   std::filesystem::directory_iterator entry(folder, failure);
   while (!failure && entry != std::filesystem::directory_iterator()) {
-    std::error_code brokenLink;  // A link to nothing is no folder.
-    if (!entry->is_directory(brokenLink)) {
+    std::error_code brokenLink;
+    if (entry->is_regular_file(brokenLink)) {
       listed.push_back(entry->path().filename().string());
     }
     entry.increment(failure);

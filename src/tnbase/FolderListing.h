@@ -5,9 +5,9 @@
 
 namespace bomparser {
 
-/// The names of what stands in a folder and is no folder itself (links are followed), without the
-/// folder's path, in the order in which the system lists them: unsorted, and as it stands on the
-/// disk.
+/// The names of the ordinary files in a folder (links are followed; a pipe could be waited for
+/// without end), without the folder's path, in the order in which the system lists them: unsorted,
+/// and as it stands on the disk.
 ///
 /// False with `error` "cannot list PATH: REASON" when the folder is missing, is none, or cannot be
 /// read; `names` is unchanged then.

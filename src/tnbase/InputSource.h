@@ -28,7 +28,8 @@ class InputSource {
 
   /// Reads all of it to the end of `bytes`, with room for `slack` more behind. Fails like Open, or
   /// with `tooLong` as the error when there are more than `limit` bytes; what can be read once only
-  /// also fails the second time. Throws std::bad_alloc.
+  /// also fails the second time. An interruption of the user ends the waiting for a pipe. Throws
+  /// std::bad_alloc.
   bool ReadAll(GrowArray<char>& bytes, std::uint64_t limit, std::size_t slack,
                const std::string& tooLong, std::string& error);
 

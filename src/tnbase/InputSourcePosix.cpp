@@ -1,5 +1,7 @@
 #include "tnbase/InputSource.h"
 
+#include "tnbase/Interrupts.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -87,7 +89,7 @@ bool InputSource::ReadAll(GrowArray<char>& bytes, std::uint64_t limit, std::size
     char* const to = bytes.MakeRoom(room);
     const ssize_t got = again ? ::pread(m_handle, to, room - slack, static_cast<off_t>(taken))
                               : ::read(m_handle, to, room - slack);
-    if (got < 0 && errno == EINTR) continue;
+    if (got < 0 && errno == EINTR && !IsInterrupted()) continue;
     if (got < 0) return Fail(errno, error);
     if (got == 0) return true;
     bytes.Advance(static_cast<std::size_t>(got));

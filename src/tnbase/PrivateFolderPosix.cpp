@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace bomparser {
 
@@ -40,7 +41,7 @@ bool PrivateFolder::GetPath(std::string& path, std::string& error) {
       error = SystemReason("cannot create a folder in", folder, errno);
       return false;
     }
-    m_path = name;
+    m_path = std::move(name);
   }
   path = m_path;
   return true;

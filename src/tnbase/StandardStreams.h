@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,8 @@ enum class StandardStream { Output, Error };
 void ReserveStandardStreams();
 
 bool IsTerminal(StandardStream stream);
+/// Columns of the terminal that standard error is; 80 when it does not say.
+std::size_t TerminalColumns();
 
 /// Writes all bytes at once, unbuffered. False with `error` "cannot write standard output: REASON"
 /// when that fails or the user interrupts it; some of the bytes may have left by then.

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace bomparser {
@@ -39,6 +40,12 @@ void ReserveStandardStreams() {
 }
 
 bool IsTerminal(StandardStream stream) { return isatty(FileOf(stream)) == 1; }
+
+std::size_t TerminalColumns() {
+  constexpr std::size_t kUsual = 80;
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
 
 bool WriteTo(StandardStream stream, std::string_view bytes, std::string& error) {
   const int file = FileOf(stream);

@@ -1,3 +1,4 @@
+#include "tests/support/FailingMemory.h"
 #include "tests/support/TestFolder.h"
 #include "tnbase/FileBytes.h"
 #include "tnbase/FolderListing.h"
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -69,15 +71,16 @@ class FolderListingTest : public TestFolder {
   }
 };
 
-TEST_F(FolderListingTest, GivesAllButFolders) {
+TEST_F(FolderListingTest, GivesOrdinaryFilesAndLinksToThem) {
   WriteFile("b.xml", "");
   WriteFile(".hidden", "");
   MakeFolder("folder");
+  ASSERT_EQ(mkfifo(PathOf("pipe.xml").c_str(), 0600), 0);
   MakeLink("to_file", "b.xml");
   MakeLink("to_folder", "folder");
   MakeLink("to_nothing", "missing");
-  EXPECT_EQ(SortedNames(Folder()),
-            (std::vector<std::string>{".hidden", "b.xml", "to_file", "to_nothing"}));
+  MakeLink("to_pipe", "pipe.xml");
+  EXPECT_EQ(SortedNames(Folder()), (std::vector<std::string>{".hidden", "b.xml", "to_file"}));
 }
 
 TEST_F(FolderListingTest, KeepsTheOrderOfTheSystem) {
@@ -181,6 +184,31 @@ TEST_F(PrivateFolderTest, SaysWhatIsWrongAndTriesAgain) {
             "error: cannot create a folder in " + PathOf("later") + ": No such file or directory");
   MakeFolder("later");
   EXPECT_TRUE(std::filesystem::is_directory(PathIn(folder)));
+}
+
+TEST_F(PrivateFolderTest, WithoutMemoryForItsPathNoFolderStays) {
+  setenv("TMPDIR", PathOf("temporary").c_str(), 1);
+  const std::int64_t failures = test::ForEveryAllocation([this](std::int64_t granted) {
+    SCOPED_TRACE(granted);
+    bool failed = false;
+    MakeFolder("temporary");
+    {
+      PrivateFolder folder;
+      std::string path;
+      std::string error;
+      const test::FailingMemory memory(granted);
+      try {
+        EXPECT_TRUE(folder.GetPath(path, error));
+      } catch (const std::bad_alloc&) {
+        EXPECT_TRUE(memory.HasFailed());
+      }
+      failed = memory.HasFailed();
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(PathOf("temporary")));
+    std::filesystem::remove_all(PathOf("temporary"));
+    return failed;
+  });
+  EXPECT_GT(failures, 0);
 }
 
 }  // namespace
