@@ -40,11 +40,13 @@ class Setting {
   /// Writes the list to nowhere; its length.
   std::int64_t WriteList() const {
     std::int64_t length = 0;
-    m_engine.WriteEntityList([&length](std::string_view piece) {
+    std::string error;
+    const auto count = [&length](std::string_view piece) {
       benchmark::DoNotOptimize(piece.data());
       length += static_cast<std::int64_t>(piece.size());
       return true;
-    });
+    };
+    m_engine.WriteEntityList(count, error);
     return length;
   }
 

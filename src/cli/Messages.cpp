@@ -3,6 +3,9 @@
 #include "entry/CTNFileParserEngine.h"
 #include "tnbase/StandardStreams.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace bomparser {
 
 namespace {
@@ -29,9 +32,17 @@ std::string InputFailureText(std::string_view input, std::string_view text) {
   return std::string(input).append(": ").append(text);
 }
 
-void PrintErrorLog(const CTNFileParserEngine& engine) {
-  for (const std::string& line : engine.GetTemplate()->GetErrorLog().GetAllLines())
-    PrintLine(line);
+std::string OnOneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+void PrintErrorLog(const CTNFileParserEngine& engine, std::size_t from,
+                   std::string_view toldBesides) {
+  const std::vector<std::string> lines = engine.GetTemplate()->GetErrorLog().GetAllLines();
+  for (std::size_t i = from; i < lines.size(); ++i) {
+    if (lines[i] != toldBesides) PrintLine(OnOneLine(lines[i]));
+  }
 }
 
 void WarnOfInvalidRecords(const CTNFileParserEngine& engine) {

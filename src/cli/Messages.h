@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,8 +14,12 @@ void PrintMessage(std::string_view text);
 void PrintLine(std::string_view text);
 /// The message of what went wrong with an input, the input named once.
 std::string InputFailureText(std::string_view input, std::string_view text);
-/// One line for every line of the template's error log.
-void PrintErrorLog(const CTNFileParserEngine& engine);
+/// The text with blanks in place of line feeds.
+std::string OnOneLine(std::string text);
+/// One line for every line of the template's error log, from the one with this place on; not for
+/// those that are told besides.
+void PrintErrorLog(const CTNFileParserEngine& engine, std::size_t from = 0,
+                   std::string_view toldBesides = {});
 /// One line for every invalid record of the template: it never matches. Auxiliary records first.
 void WarnOfInvalidRecords(const CTNFileParserEngine& engine);
 

@@ -24,12 +24,15 @@ bool Session::LoadTemplate(const std::string& path) {
 
 ExitStatus Session::Apply(const std::string& input) {
   // What an earlier input left is not needed any more: there is room for this one.
-  m_engine.GetInputFile()->CloseAndReset();
+  m_engine.ForgetResults();
+  const std::size_t told = m_engine.GetTemplate()->GetErrorLog().GetAllLines().size();
   std::string error;
   bool cancelled = false;
   const bool applied = m_engine.OpenInputFile(input, error) &&
                        m_engine.ApplyTemplate(error, cancelled, ShowProgress::Yes);
   if (applied && !IsInterrupted()) return ExitStatus::Done;
+  // The error may only say that it failed, and the log why.
+  if (!IsInterrupted()) PrintErrorLog(m_engine, told, error);
   return TellFailure(input, error);
 }
 
@@ -38,7 +41,7 @@ ExitStatus Session::WriteEntityList(const std::string& input, const std::string&
   OutputFile file;
   const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
   const bool written =
-      file.Open(path, error) && m_engine.WriteEntityList(write) && file.Commit(error);
+      file.Open(path, error) && m_engine.WriteEntityList(write, error) && file.Commit(error);
   return written ? ExitStatus::Done : TellFailure(input, error);
 }
 

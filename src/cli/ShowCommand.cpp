@@ -8,6 +8,7 @@
 #include "input/CTNParsedFileRow.h"
 #include "input/MessageTexts.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <fmt/format.h>
 #include <iterator>
@@ -21,7 +22,7 @@ namespace {
 constexpr std::size_t kPiece = std::size_t{1} << 18;
 
 /// A record's description may hold what separates rows and columns here; blanks stand for it.
-std::string OnOneLine(std::string text) {
+std::string InOneColumn(std::string text) {
   for (char& c : text) {
     if (c == '\n' || c == '\t' || c == '\r') c = ' ';
   }
@@ -59,7 +60,7 @@ class RowPrinter {
 
 bool RowPrinter::Print(const CTNParsedFileBlock& block) {
   if (!m_options.kinds[static_cast<std::size_t>(block.GetKind())]) return Skip(block);
-  m_mark = OnOneLine(block.GetMatchText());
+  m_mark = InOneColumn(block.GetMatchText());
   if (m_colour) m_colours = ColourSequence(block.GetBackColour(), block.GetTextColour());
   CTNElementCursor cursor(*block.GetResult(), block.GetPlace());
   bool rowOpen = false;
@@ -84,6 +85,8 @@ bool RowPrinter::Skip(const CTNParsedFileBlock& block) {
 }
 
 bool RowPrinter::EndRow() {
+  // A literal may hold a line feed; what it matched stays on its row.
+  std::replace(m_row.begin(), m_row.end(), '\n', ' ');
   fmt::format_to(std::back_inserter(m_buffer), "{}\t", ++m_line);
   m_buffer.append(m_mark).append(1, '\t').append(m_colours);
   if (!AppendRow()) return false;

@@ -5,6 +5,7 @@
 #include "tnbase/AtomicFile.h"
 
 #include <new>
+#include <utility>
 
 namespace bomparser {
 
@@ -31,8 +32,9 @@ void CTNFileParserEngine::OnTemplateModified() {
 }
 
 bool CTNFileParserEngine::ReportError(std::string_view text, ErrorShown shown) {
-  if (!m_template) return false;
+  if (!m_valid) return false;
   const bool added = m_template->GetErrorLog().AddMessage(text);
+  if (!added && m_frontEnd != nullptr) m_frontEnd->ShowError(XmlStatusText(kXmlOutOfMemory));
   if (shown == ErrorShown::AtOnce && m_frontEnd != nullptr) m_frontEnd->ShowError(text);
   return added;
 }
@@ -40,20 +42,27 @@ bool CTNFileParserEngine::ReportError(std::string_view text, ErrorShown shown) {
 // ------------------------------------------------------------------------------- input file
 
 bool CTNFileParserEngine::OpenInputFile(const std::string& path, std::string& error) {
-  if (!m_valid) return false;
-  if (path.empty()) {
-    error = GetMessageText(Msg::NoInputFileSpecified);
-    ReportError(error, ErrorShown::AtOnce);
-    return false;
-  }
-  if (m_inputFile->IsOpen() && !CloseInputFile()) return false;
-  return m_inputFile->Open(path, error);
+  return m_valid && Guard(error, [&] {
+           if (path.empty()) {
+             error = GetMessageText(Msg::NoInputFileSpecified);
+             ReportError(error, ErrorShown::AtOnce);
+             return false;
+           }
+           if (m_inputFile->IsOpen() && !CloseInputFile()) return false;
+           return m_inputFile->Open(path, error);
+         });
 }
 
 bool CTNFileParserEngine::CloseInputFile() {
   if (!m_valid) return false;
   m_inputFile->Close();
   return !m_inputFile->IsOpen();
+}
+
+void CTNFileParserEngine::ForgetResults() {
+  if (!m_valid) return;
+  m_template->ForgetSingleMatches();
+  m_inputFile->CloseAndReset();
 }
 
 // ------------------------------------------------------------------------------- template
@@ -66,6 +75,15 @@ void CTNFileParserEngine::NewTemplate() {
 
 bool CTNFileParserEngine::LoadTemplate(const std::string& path) {
   if (!m_valid) return false;
+  std::string outOfMemory;
+  const bool loaded = Guard(outOfMemory, [&] { return ReadTemplate(path); });
+  if (!outOfMemory.empty()) ReportError(outOfMemory, ErrorShown::AtOnce);
+  // Half a template would pass for a whole one, and be saved as one.
+  if (!loaded) Guard(outOfMemory, [this] { return m_template->DropContent(), true; });
+  return loaded;
+}
+
+bool CTNFileParserEngine::ReadTemplate(const std::string& path) {
   NewTemplate();
   const int status = m_template->LoadFromFile(path);
   if (status != kXmlOk) {
@@ -98,21 +116,25 @@ void CTNFileParserEngine::ReportLoadFailure(const std::string& path, int status)
 
 bool CTNFileParserEngine::SaveTemplate(const std::string& path) {
   if (!m_valid) return false;
-  std::string text;
   std::string error;
-  AtomicFile file;
-  bool saved = m_template->GetXml(text) == kXmlOk;
-  if (!saved) {
+  const bool saved = Guard(error, [&] { return WriteTemplate(path, error); });
+  if (!saved) ReportError(error, ErrorShown::AtOnce);
+  return saved;
+}
+
+bool CTNFileParserEngine::WriteTemplate(const std::string& path, std::string& error) {
+  std::string text;
+  std::string saved = path;
+  if (m_template->GetXml(text) != kXmlOk) {
     error = m_template->LastError();
-  } else {
-    saved = file.Open(path, AtomicFile::Durability::FlushedToDisk, error) &&
-            file.Write(text, error) && file.Commit(error);
-  }
-  if (!saved) {
-    ReportError(error, ErrorShown::AtOnce);
     return false;
   }
-  m_template->SetFilePath(path);
+  AtomicFile file;
+  if (!file.Open(path, AtomicFile::Durability::FlushedToDisk, error) || !file.Write(text, error) ||
+      !file.Commit(error)) {
+    return false;
+  }
+  m_template->SetFilePath(std::move(saved));
   m_template->ClearModified();
   return true;
 }
@@ -127,28 +149,33 @@ bool CTNFileParserEngine::Apply(std::string& error, bool& cancelled, ShowProgres
 }
 
 bool CTNFileParserEngine::ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show) {
-  if (!m_valid) return false;
-  if (!Apply(error, cancelled, show, ResultUse::Kept)) return false;
+  const auto apply = [&] { return Apply(error, cancelled, show, ResultUse::Kept); };
+  if (!m_valid || !Guard(error, apply)) return false;
   if (m_sideCopy == SideCopy::Yes) WriteSideCopy();
   return true;
 }
 
 void CTNFileParserEngine::WriteSideCopy() {
   // Whether it could be written is of no consequence: the page that shows it says so.
-  std::string path;
   std::string error;
-  AtomicFile file;
-  const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
-  if (GetSideCopyPath(path, error) && file.Open(path, AtomicFile::Durability::Renamed, error) &&
-      WriteEntityList(write)) {
-    file.Commit(error);
-  }
+  Guard(error, [&] {
+    std::string path;
+    AtomicFile file;
+    const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
+    return GetSideCopyPath(path, error) &&
+           file.Open(path, AtomicFile::Durability::Renamed, error) &&
+           WriteEntityList(write, error) && file.Commit(error);
+  });
 }
 
 bool CTNFileParserEngine::GetSideCopyPath(std::string& path, std::string& error) {
-  if (!m_valid || !m_sideFolder.GetPath(path, error)) return false;
-  path += '/' + m_inputFile->GetTitleNoExtension() + GetMessageText(Msg::XmlExtensionWithDot);
-  return true;
+  return m_valid && Guard(error, [&] {
+           std::string folder;
+           if (!m_sideFolder.GetPath(folder, error)) return false;
+           path = folder + '/' + m_inputFile->GetTitleNoExtension() +
+                  GetMessageText(Msg::XmlExtensionWithDot);
+           return true;
+         });
 }
 
 void CTNFileParserEngine::OnTemplateChanged(ChangeKind change, std::uint32_t editKinds) {
@@ -165,28 +192,29 @@ ApplicationStats CTNFileParserEngine::GetStats() const {
   return m_valid ? m_inputFile->GetBlocks().GetStats() : ApplicationStats();
 }
 
-bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_view)>& sink) const {
-  if (!m_valid) return false;
-  try {
-    return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale())
-        .Write(sink);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_view)>& sink,
+                                          std::string& error) const {
+  return m_valid && Guard(error, [&] {
+           return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale())
+               .Write(sink);
+         });
 }
 
 bool CTNFileParserEngine::OutputEntityList(const std::string& path, std::string& error) {
   error.clear();
+  return m_valid && Guard(error, [&] { return WriteEntityListFile(path, error); });
+}
+
+bool CTNFileParserEngine::WriteEntityListFile(const std::string& path, std::string& error) {
+  std::string written = path;
   AtomicFile file;
-  if (!m_valid || !file.Open(path, AtomicFile::Durability::Renamed, error)) return false;
+  if (!file.Open(path, AtomicFile::Durability::Renamed, error)) return false;
   const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
-  if (!WriteEntityList(write) || !file.Commit(error)) {
-    // The file tells why it failed; where it did not, memory ran out.
-    if (error.empty()) error = XmlStatusText(kXmlOutOfMemory);
+  if (!WriteEntityList(write, error) || !file.Commit(error)) {
     ReportError(error, ErrorShown::Later);
     return false;
   }
-  m_inputFile->SetOutputPath(path);
+  m_inputFile->SetOutputPath(std::move(written));
   m_inputFile->SetOutputDone(true);
   return true;
 }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,6 +58,8 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool OpenInputFile(const std::string& path, std::string& error);
   /// True when the file is no longer open.
   bool CloseInputFile();
+  /// Closes the input file and gives up all that earlier applications left in memory.
+  void ForgetResults();
   /// Resets the template to an empty, untitled one; results are stale.
   void NewTemplate();
   /// Replaces the template by the one in the file. On failure the template is reset and its error
@@ -80,8 +83,9 @@ class CTNFileParserEngine final : public CTNParserContext {
   /// output. On failure `error` says why; what fails once the file was begun is also an entry of
   /// the error log.
   bool OutputEntityList(const std::string& path, std::string& error);
-  /// Hands the entity list to a sink in pieces. False when the sink stopped it or memory ran out.
-  bool WriteEntityList(const std::function<bool(std::string_view)>& sink) const;
+  /// Hands the entity list to a sink in pieces. False when the sink stopped it, who knows why, or
+  /// when memory ran out, which `error` then says.
+  bool WriteEntityList(const std::function<bool(std::string_view)>& sink, std::string& error) const;
   ApplicationStats GetStats() const;
 
   /// Where the side copy of the current input file's list is: a private folder of this user and
@@ -105,6 +109,20 @@ class CTNFileParserEngine final : public CTNParserContext {
  private:
   struct Search;
 
+  template <class Work>
+  static bool Guard(std::string& error, Work work) {
+    // Nothing is thrown out of the engine: where memory ends, what was asked for fails.
+    try {
+      return work();
+    } catch (const std::bad_alloc&) {
+      error = XmlStatusText(kXmlOutOfMemory);
+      return false;
+    }
+  }
+  bool SearchFolder(std::string& error, bool& cancelled, ShowProgress show);
+  bool ReadTemplate(const std::string& path);
+  bool WriteTemplate(const std::string& path, std::string& error);
+  bool WriteEntityListFile(const std::string& path, std::string& error);
   void ReportLoadFailure(const std::string& path, int status);
   void WriteSideCopy();
   bool Apply(std::string& error, bool& cancelled, ShowProgress show,
@@ -113,7 +131,6 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool TryTemplate(const std::string& path, Search& search);
   void TryFolder(const std::vector<std::string>& names, Search& search);
   void ApplyInFull(const std::string& path);
-  void KeepBest(const Search& search);
   void GiveUpSearch(const Search& search, const std::string& startPath);
 
   std::unique_ptr<CTNParserTemplate> m_template;

@@ -26,13 +26,25 @@ std::string JoinPath(const std::string& folder, const std::string& name) {
   return folder.back() == '/' ? folder + name : folder + '/' + name;
 }
 
+/// The input is read once for all templates.
+class TextHold {
+ public:
+  explicit TextHold(CTNParserInFile& file) : m_file(file) { m_file.HoldText(true); }
+  ~TextHold() { m_file.HoldText(false); }
+  TextHold(const TextHold&) = delete;
+  TextHold& operator=(const TextHold&) = delete;
+
+ private:
+  CTNParserInFile& m_file;
+};
+
 }  // namespace
 
 struct CTNFileParserEngine::Search {
   std::string& error;
   bool& cancelled;
   ShowProgress show;
-  bool failed = false;
+  std::string failedPath = {};  // The template whose application failed.
   double bestScore = 0.0;
   std::string bestPath = {};
   std::string lastApplied = {};  // The template that was tried last without failing.
@@ -42,7 +54,10 @@ struct CTNFileParserEngine::Search {
 bool CTNFileParserEngine::FindTemplate(std::string& error, bool& cancelled, ShowProgress show) {
   error.clear();
   cancelled = false;
-  if (!m_valid) return false;
+  return m_valid && Guard(error, [&] { return SearchFolder(error, cancelled, show); });
+}
+
+bool CTNFileParserEngine::SearchFolder(std::string& error, bool& cancelled, ShowProgress show) {
   const std::string startPath = m_template->GetFilePath();
   if (m_searchPath.empty()) {
     error = GetMessageText(Msg::NoSearchPath);
@@ -55,15 +70,14 @@ bool CTNFileParserEngine::FindTemplate(std::string& error, bool& cancelled, Show
   Search search{error, cancelled, show};
   std::vector<std::string> names;
   if (ListFolder(m_searchPath, names, error)) {
-    m_inputFile->HoldText(true);
+    const TextHold hold(*m_inputFile);
     TryFolder(names, search);
-    m_inputFile->HoldText(false);
   }
   if (search.bestPath.empty() || cancelled) {
     GiveUpSearch(search, startPath);
     return false;
   }
-  KeepBest(search);
+  ApplyInFull(search.bestPath);
   return true;
 }
 
@@ -111,7 +125,7 @@ bool CTNFileParserEngine::TryTemplate(const std::string& path, Search& search) {
     if (search.error.empty()) {
       search.error = FormatMessageText(Msg::UnspecifiedApplyErrorOfFile, path);
     }
-    search.failed = true;
+    search.failedPath = path;
     return false;
   }
   search.lastApplied = path;
@@ -133,15 +147,12 @@ void CTNFileParserEngine::ApplyInFull(const std::string& path) {
   ApplyTemplate(ignored, cancelled, ShowProgress::No);
 }
 
-void CTNFileParserEngine::KeepBest(const Search& search) { ApplyInFull(search.bestPath); }
-
 void CTNFileParserEngine::GiveUpSearch(const Search& search, const std::string& startPath) {
   if (search.error.empty()) search.error = GetMessageText(Msg::NoUseableTemplate);
   if (!startPath.empty() && startPath != GetMessageText(Msg::UnsavedPath)) {
     // Whoever looks at the results sees those of the last trial until a template is applied again.
-    if (m_sideCopy == SideCopy::Yes && !search.lastApplied.empty()) {
-      ApplyInFull(search.lastApplied);
-    }
+    const std::string& last = search.failedPath.empty() ? search.lastApplied : search.failedPath;
+    if (m_sideCopy == SideCopy::Yes && !last.empty()) ApplyInFull(last);
     LoadTemplate(startPath);
     return;
   }

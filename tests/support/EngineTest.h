@@ -75,10 +75,12 @@ class EngineTestIn : public Base {
   }
   std::string List() const {
     std::string list;
-    EXPECT_TRUE(engine.WriteEntityList([&list](std::string_view piece) {
+    std::string error;
+    const auto add = [&list](std::string_view piece) {
       list += piece;
       return true;
-    }));
+    };
+    EXPECT_TRUE(engine.WriteEntityList(add, error)) << error;
     return list;
   }
   std::string SideCopy() {

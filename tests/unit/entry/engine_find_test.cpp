@@ -57,10 +57,24 @@ class EngineFindTest : public EngineTestIn<TestFolder> {
     AddRecord(document, RecordKind::MultipleMatch, "takes nothing", {});
     return XmlText(document);
   }
-  static std::string NotAdvanced() {
+  static std::string NotAdvanced(int at = 0) {
+    const std::string position = std::to_string(at);
     return "Internal error while parsing input file. File pointer was\nset backward or not "
-           "advanced "
-           "after read operation: Prev position = 0, current position = 0";
+           "advanced after read operation: Prev position = " +
+           position + ", current position = " + position;
+  }
+  /// A template that takes lines with one of the words, and fails at the first other one.
+  static std::string FailingBehind(std::string_view words) {
+    CTNParserTemplate document(nullptr);
+    AddRecord(document, RecordKind::MultipleMatch, "line", {String(words), Newline()});
+    AddRecord(document, RecordKind::MultipleMatch, "takes nothing", {});
+    return XmlText(document);
+  }
+  Texts Blocks() {
+    Texts texts;
+    for (std::size_t i = 0; i < InFile().GetBlocks().GetSize(); ++i)
+      texts.push_back(InFile().GetBlocks().GetAt(i).ToReadableText());
+    return texts;
   }
 
   bool m_cancelled = false;
@@ -162,6 +176,29 @@ TEST_F(EngineFindTest, AFailingFirstTrialEndsTheSearchWithItsError) {
   EXPECT_EQ(Find(), "not found: " + NotAdvanced());
   EXPECT_EQ(Document().GetFilePath(), PathOf("template.xml"));
   EXPECT_TRUE(InFile().IsStale());
+}
+
+TEST_F(EngineFindTest, AFailingTrialBehindOneThatScoresNothingLeavesTheBlocksThatItMade) {
+  Open(kFourLines);
+  Load(TemplateFor("d"));
+  Put({TemplateFor("x"), FailingBehind("a|b"), TemplateFor("a|b|c|d")});
+  EXPECT_EQ(Find(), "not found: " + NotAdvanced(4));
+  EXPECT_EQ(Document().GetFilePath(), PathOf("template.xml"));
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(Blocks(), (Texts{"A1{F1=a|F2=}", "A1{F1=b|F2=}", "A2{}"}));
+}
+
+TEST_F(EngineFindTest, AFailingFirstTrialLeavesTheBlocksThatItMade) {
+  Open(kFourLines);
+  Load(TemplateFor("d"));
+  ASSERT_EQ(Apply(), "ok");
+  const std::string copy = SideCopy();
+  Put({FailingBehind("a|b"), TemplateFor("a|b|c|d")});
+  EXPECT_EQ(Find(), "not found: " + NotAdvanced(4));
+  EXPECT_EQ(Document().GetFilePath(), PathOf("template.xml"));
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(Blocks(), (Texts{"A1{F1=a|F2=}", "A1{F1=b|F2=}", "A2{}"}));
+  EXPECT_EQ(SideCopy(), copy) << "only an application that succeeds writes one";
 }
 
 TEST_F(EngineFindTest, WithoutAnInputFileTheFirstTrialFails) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -156,6 +157,34 @@ TEST_F(EngineTest, ACancelledApplicationLeavesResultsFlagsAndSideCopyAsTheyWere)
   EXPECT_EQ(Flags(), "applied");
   EXPECT_EQ(List(), ListOfWords({"a"}));
   EXPECT_EQ(SideCopy(), copy);
+}
+
+TEST_F(EngineTest, ForgettingResultsLetsGoOfTheTextAndTheBlocksAndKeepsTheTemplate) {
+  CTNParserTemplate document(nullptr);
+  AddRecord(document, RecordKind::SingleMatch, "once", {String("b"), Newline()});
+  AddRecord(document, RecordKind::Part, "line", {String("a"), Newline()},
+            {Designator("A1.F1"), PartNumber()});
+  Load(XmlText(document));
+  Open("b\na\n");
+  ASSERT_EQ(Apply(), "ok");
+  InFile().SetOutputDone(true);
+  InFile().SetOutputPath("/before");
+  ASSERT_EQ(List(), ListOfWords({"b"}));
+  ASSERT_NE(RecordOf(Document(), "A1").GetSingleMatchBlock(), nullptr);
+  const std::weak_ptr<const CTNInputText> text = InFile().GetText().GetText();
+  const std::weak_ptr<const CTNParsedResult> result = InFile().GetBlocks().GetResult();
+  ASSERT_FALSE(text.expired() || result.expired());
+  engine.ForgetResults();
+  EXPECT_TRUE(text.expired());
+  EXPECT_TRUE(result.expired());
+  EXPECT_FALSE(InFile().IsOpen());
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(InFile().GetOutputPath(), "");
+  EXPECT_EQ(engine.GetStats().totalBlocks, 0u);
+  EXPECT_EQ(Document().GetFilePath(), PathOf("template.xml"));
+  Open("b\na\n");
+  EXPECT_EQ(Apply(), "ok");
+  EXPECT_EQ(List(), ListOfWords({"b"}));
 }
 
 // ------------------------------------------------------------------------------- side copy

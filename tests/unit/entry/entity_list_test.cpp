@@ -147,16 +147,22 @@ TEST_F(EntityListTest, AnIndexOutsideTheBlocksIsAnError) {
 TEST_F(EntityListTest, ASinkThatStopsEndsTheWriting) {
   ListFor("a\n");
   int pieces = 0;
-  EXPECT_FALSE(engine.WriteEntityList([&pieces](std::string_view) {
+  std::string error;
+  const auto stop = [&pieces](std::string_view) {
     ++pieces;
     return false;
-  }));
+  };
+  EXPECT_FALSE(engine.WriteEntityList(stop, error));
   EXPECT_EQ(pieces, 1);
+  EXPECT_EQ(error, "");
 }
 
 TEST_F(EntityListTest, MemoryThatRunsOutEndsTheWritingAndLeavesTheEngine) {
   ListFor("a\n");
-  EXPECT_FALSE(engine.WriteEntityList([](std::string_view) -> bool { throw std::bad_alloc(); }));
+  std::string error;
+  EXPECT_FALSE(
+      engine.WriteEntityList([](std::string_view) -> bool { throw std::bad_alloc(); }, error));
+  EXPECT_EQ(error, XmlStatusText(kXmlOutOfMemory));
 }
 
 TEST_F(EntityListTest, ALargeListArrivesInPieces) {

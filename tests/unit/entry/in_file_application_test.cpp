@@ -64,10 +64,12 @@ class InFileApplication : public TestFolder {
   }
   std::string EntityList() const {
     std::string list;
-    engine.WriteEntityList([&list](std::string_view piece) {
+    std::string failure;
+    const auto add = [&list](std::string_view piece) {
       list += piece;
       return true;
-    });
+    };
+    EXPECT_TRUE(engine.WriteEntityList(add, failure)) << failure;
     return list;
   }
 
