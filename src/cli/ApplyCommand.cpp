@@ -53,10 +53,13 @@ bool EachFileHasItsPlace(const Options& options) {
   return good;
 }
 
-ExitStatus ApplyTo(Session& session, const std::string& input, const std::string& target,
+ExitStatus ApplyTo(Session& session, const Options& options, const std::string& input,
                    StatsReport& stats) {
   ExitStatus status = session.Apply(input);
-  if (status == ExitStatus::Done) status = session.WriteEntityList(input, target);
+  if (status != ExitStatus::Done) return status;
+  // Not before there is a list to put into it.
+  if (options.inputs.size() > 1 && !MakeFolder(*options.output)) return ExitStatus::Failed;
+  status = session.WriteEntityList(input, TargetPath(options, input));
   if (status == ExitStatus::Done) stats.Add(input, session.GetEngine().GetStats());
   return status;
 }
@@ -69,17 +72,17 @@ ExitStatus RunApply(const Options& options) {
   WarnOfInvalidRecords(session.GetEngine());
   if (options.inputs.size() > 1 && !TargetsDiffer(options)) return ExitStatus::Failed;
   if (!EachFileHasItsPlace(options)) return ExitStatus::Failed;
-  if (options.inputs.size() > 1 && !MakeFolder(*options.output)) return ExitStatus::Failed;
   StatsReport stats(options.statsFile);
+  std::string error;
+  if (!stats.OpenPipe(error)) return TellFailure({}, error);
   ExitStatus worst = ExitStatus::Done;
   for (const std::string& input : options.inputs) {
-    const ExitStatus status = ApplyTo(session, input, TargetPath(options, input), stats);
+    const ExitStatus status = ApplyTo(session, options, input, stats);
     if (status == ExitStatus::Interrupted) return status;
     if (status == ExitStatus::Done) continue;
     worst = status;
     if (!options.keepGoing) break;
   }
-  std::string error;
   return stats.Finish(error) ? worst : TellFailure({}, error);
 }
 

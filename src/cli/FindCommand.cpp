@@ -39,11 +39,15 @@ std::string FoundText(const CTNFileParserEngine& engine) {
        stats.ParseableBlocks(), FormatFixed(stats.MatchPercent(), kPercentDecimals)});
 }
 
-ExitStatus Search(CTNFileParserEngine& engine, const std::string& input) {
+ExitStatus Search(Session& session, const std::string& input) {
+  CTNFileParserEngine& engine = session.GetEngine();
   std::string error;
   bool cancelled = false;
   if (!engine.OpenInputFile(input, error)) return TellFailure(input, error);
+  // What one template leaves in the log is gone with the next.
+  session.TellAtOnce(true);
   const bool found = engine.FindTemplate(error, cancelled, ShowProgress::Yes);
+  session.TellAtOnce(false);
   if (IsInterrupted()) return ExitStatus::Interrupted;
   if (!found) {
     PrintLine(error.empty() ? GetMessageText(Msg::UnspecifiedFindError) : error);
@@ -68,15 +72,15 @@ ExitStatus WriteResults(Session& session, const Options& options) {
   const std::string& input = options.inputs.front();
   const std::string& templatePath = session.GetEngine().GetTemplate()->GetFilePath();
   if (!EachFileHasItsPlace(options, templatePath)) return ExitStatus::Failed;
+  StatsReport stats(options.statsFile);
+  std::string error;
+  if (!stats.OpenPipe(error)) return TellFailure({}, error);
   if (options.output) {
     const ExitStatus status = session.WriteEntityList(input, *options.output);
     if (status != ExitStatus::Done) return status;
   }
-  StatsReport stats(options.statsFile);
   stats.Add(input, session.GetEngine().GetStats());
-  std::string error;
-  if (!stats.Finish(error)) return TellFailure({}, error);
-  return PrintPath(templatePath);
+  return stats.Finish(error) ? PrintPath(templatePath) : TellFailure({}, error);
 }
 
 }  // namespace
@@ -85,7 +89,7 @@ ExitStatus RunFind(const Options& options) {
   if (!EachFileHasItsPlace(options, {})) return ExitStatus::Failed;
   Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
   session.GetEngine().SetTemplateSearchPath(options.searchFolder);
-  const ExitStatus status = Search(session.GetEngine(), options.inputs.front());
+  const ExitStatus status = Search(session, options.inputs.front());
   if (status != ExitStatus::Done) return status;
   PrintLine(FoundText(session.GetEngine()));
   WarnOfInvalidRecords(session.GetEngine());

@@ -33,15 +33,17 @@ bool ReadSample(CTNFileParserEngine& engine, const Options& options, std::string
   return true;
 }
 
-void AddRecordFrom(CTNParserTemplate& document, const std::string& sample, bool auxiliary) {
+/// False when there is no memory for the record.
+bool AddRecordFrom(CTNParserTemplate& document, const std::string& sample, bool auxiliary) {
   const RecordKind kind = auxiliary ? RecordKind::FreshAuxiliary : RecordKind::FreshEntity;
   CTNTemplateRecord* const record =
       document.AddRecord(kind, GetMessageText(Msg::AutoCreatedDescription));
-  if (record == nullptr) return;
+  if (record == nullptr) return false;
   CTNStringCharBuffIter text{std::string_view(sample)};
-  record->CreateFieldsFromText(text);
+  if (!record->CreateFieldsFromText(text)) return false;
   record->Validate();
   document.SetModified(ChangeKind::Modified);
+  return true;
 }
 
 ExitStatus Print(CTNParserTemplate& document) {
@@ -96,7 +98,9 @@ ExitStatus RunLearn(const Options& options) {
   if (!ReadSample(session.GetEngine(), options, sample, error)) {
     return TellFailure(options.inputs.front(), error);
   }
-  AddRecordFrom(*session.GetEngine().GetTemplate(), sample, options.auxiliary);
+  if (!AddRecordFrom(*session.GetEngine().GetTemplate(), sample, options.auxiliary)) {
+    return TellFailure(options.inputs.front(), XmlStatusText(kXmlOutOfMemory));
+  }
   return Save(session.GetEngine(), *options.output);
 }
 

@@ -117,7 +117,7 @@ void AddRunOptions(CLI::App& app, Options& options) {
           options.statsFile);
   AddFlag(app, "--side-copy", "also make the copy of the list that the results page shows",
           [&options] { options.sideCopy = true; });
-  AddFormed(app, {"--threads", "N", "how many threads work (default: the cores there are)"},
+  AddFormed(app, {"--threads", "N", "how many threads may work (default: the cores there are)"},
             options.threads, ReadCount, "a number of 1 or more");
 }
 

@@ -15,6 +15,8 @@ class Session {
   explicit Session(SideCopy sideCopy = SideCopy::No);
 
   CTNFileParserEngine& GetEngine() { return m_engine; }
+  /// Whether errors that are to be shown at once are. Usually commands tell them when they fail.
+  void TellAtOnce(bool tell) { m_frontEnd.TellAtOnce(tell); }
   /// False when the template does not load; the error log is printed then.
   bool LoadTemplate(const std::string& path);
   /// Opens the input, "-" for standard input, and applies the current template to it.

@@ -1,9 +1,9 @@
 #include "cli/StatsLine.h"
 
 #include "cli/Options.h"
-#include "cli/OutputFile.h"
 #include "tnbase/NumberText.h"
 #include "tnbase/StandardStreams.h"
+#include "tnbase/TNPath.h"
 #include "tnbase/TextEncoding.h"
 
 #include <cstdint>
@@ -76,10 +76,20 @@ void StatsReport::Add(std::string_view input, const ApplicationStats& stats) {
   }
 }
 
-bool StatsReport::Finish(std::string& error) const {
+bool StatsReport::OpenPipe(std::string& error) {
+  if (!m_path || *m_path == kStandardStreamPath) return true;
+  if (!FileExists(*m_path) || IsRegularFile(*m_path)) return true;
+  m_file.emplace();
+  return m_file->Open(*m_path, error);
+}
+
+bool StatsReport::Finish(std::string& error) {
   if (m_lines.empty()) return true;
-  OutputFile file;
-  return file.Open(*m_path, error) && file.Write(m_lines, error) && file.Commit(error);
+  if (!m_file) {
+    m_file.emplace();
+    if (!m_file->Open(*m_path, error)) return false;
+  }
+  return m_file->Write(m_lines, error) && m_file->Commit(error);
 }
 
 }  // namespace bomparser

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/OutputFile.h"
 #include "input/ApplicationStats.h"
 
 #include <optional>
@@ -20,12 +21,16 @@ class StatsReport {
   /// Without a path nowhere; "-" is standard error.
   explicit StatsReport(const std::optional<std::string>& path) : m_path(path) {}
 
+  /// Opens a pipe or device, which may have to be waited for: to be called before anything else is
+  /// written, so that whoever breaks off the waiting finds nothing written. False with `error`.
+  bool OpenPipe(std::string& error);
   void Add(std::string_view input, const ApplicationStats& stats);
   /// Writes the file, if there is one and there was anything to say. False with `error`.
-  bool Finish(std::string& error) const;
+  bool Finish(std::string& error);
 
  private:
   std::optional<std::string> m_path;
+  std::optional<OutputFile> m_file;  // Once it is open.
   std::string m_lines;
 };
 

@@ -1,9 +1,11 @@
 #include "cli/TerminalFrontEnd.h"
 
+#include "cli/Messages.h"
 #include "tnbase/StandardStreams.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <fmt/format.h>
 
@@ -14,7 +16,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kRedrawAfter{40};
-constexpr int kBarPlaces = 40;
 constexpr unsigned kHundred = 100;
 // Looking at the clock takes longer than many a block.
 constexpr unsigned kBlocksPerLook = 64;
@@ -61,7 +62,7 @@ class TerminalProgress final : public CTNProgress {
     if (now - m_drawn < kRedrawAfter) return;
     m_drawn = now;
     m_onScreen = true;
-    Draw(ProgressBarText(m_caption, std::min(m_position, m_range), m_range));
+    Draw(ProgressBarText(m_caption, std::min(m_position, m_range), m_range, TerminalColumns()));
   }
 
   TerminalFrontEnd& m_frontEnd;
@@ -81,6 +82,10 @@ std::unique_ptr<CTNProgress> TerminalFrontEnd::BeginProgress(const std::string& 
   return std::make_unique<TerminalProgress>(*this, caption);
 }
 
+void TerminalFrontEnd::ShowError(std::string_view text) {
+  if (m_tellAtOnce) PrintMessage(text);
+}
+
 void TerminalFrontEnd::BeginHold() {
   if (!m_hold) m_hold.emplace();
 }
@@ -93,11 +98,24 @@ void TerminalFrontEnd::EndHold() {
   }
 }
 
-std::string ProgressBarText(const std::string& caption, std::uint64_t part, std::uint64_t whole) {
+std::string ProgressBarText(const std::string& caption, std::uint64_t part, std::uint64_t whole,
+                            std::size_t columns) {
+  constexpr std::size_t kMostPlaces = 40;
+  constexpr std::size_t kFewestPlaces = 10;
+  constexpr std::size_t kBrackets = 3;  // And the blank in front of them.
   const double share = whole == 0 ? 1.0 : static_cast<double>(part) / static_cast<double>(whole);
-  const auto places = static_cast<std::size_t>(share * kBarPlaces);
-  return fmt::format("{}{:3}% [{:<{}}]", caption, static_cast<unsigned>(share * kHundred),
-                     std::string(places, '#'), kBarPlaces);
+  const std::string percent = fmt::format("{:3}%", static_cast<unsigned>(share * kHundred));
+  // The last column stays free: some terminals begin a new row once it is written.
+  const std::size_t room = columns > 0 ? columns - 1 : 0;
+  const std::size_t taken = std::min(room, percent.size() + kBrackets);
+  std::size_t places = room - taken;
+  places = places > caption.size() ? std::min(places - caption.size(), kMostPlaces) : 0;
+  if (places < kFewestPlaces) {
+    const std::size_t left = room > percent.size() ? room - percent.size() : 0;
+    return caption.substr(0, left) + percent;
+  }
+  const auto done = static_cast<std::size_t>(share * static_cast<double>(places));
+  return fmt::format("{}{} [{:<{}}]", caption, percent, std::string(done, '#'), places);
 }
 
 }  // namespace bomparser

@@ -21,18 +21,24 @@ class TerminalFrontEnd final : public CTNFrontEnd {
   explicit TerminalFrontEnd(SideCopy sideCopy) : m_sideCopy(sideCopy) {}
 
   std::unique_ptr<CTNProgress> BeginProgress(const std::string& caption) override;
-  /// Nothing: what fails is returned to the commands or stands in the error log, which they print.
-  void ShowError(std::string_view) override {}
+  /// Nothing unless TellAtOnce says so: what fails is returned to the commands or stands in the
+  /// error log, which they print.
+  void ShowError(std::string_view text) override;
+  void TellAtOnce(bool tell) { m_tellAtOnce = tell; }
 
   void BeginHold();
   void EndHold();
 
  private:
   SideCopy m_sideCopy;
+  bool m_tellAtOnce = false;
   std::optional<InterruptHold> m_hold;
 };
 
-/// The bar's text: caption, share in percent, and a bar of 40 places. `part` is at most `whole`.
-std::string ProgressBarText(const std::string& caption, std::uint64_t part, std::uint64_t whole);
+/// The bar's text: caption, share in percent, and a bar of 40 places, or of what is left of the
+/// terminal's `columns`; a text that needs more than one row could not be taken back. `part` is at
+/// most `whole`.
+std::string ProgressBarText(const std::string& caption, std::uint64_t part, std::uint64_t whole,
+                            std::size_t columns);
 
 }  // namespace bomparser

@@ -85,10 +85,21 @@ TEST(Colours, AreNotForFilesUnlessAskedFor) {
 TEST(ProgressBar, FillsUp) {
   const std::string places(40, ' ');
   const std::string half = std::string(20, '#') + std::string(20, ' ');
-  EXPECT_EQ(ProgressBarText("Work: ", 0, 10), "Work:   0% [" + places + "]");
-  EXPECT_EQ(ProgressBarText("Work: ", 5, 10), "Work:  50% [" + half + "]");
-  EXPECT_EQ(ProgressBarText("Work: ", 10, 10), "Work: 100% [" + std::string(40, '#') + "]");
-  EXPECT_EQ(ProgressBarText("Work: ", 0, 0), "Work: 100% [" + std::string(40, '#') + "]");
+  EXPECT_EQ(ProgressBarText("Work: ", 0, 10, 80), "Work:   0% [" + places + "]");
+  EXPECT_EQ(ProgressBarText("Work: ", 5, 10, 80), "Work:  50% [" + half + "]");
+  EXPECT_EQ(ProgressBarText("Work: ", 10, 10, 80), "Work: 100% [" + std::string(40, '#') + "]");
+  EXPECT_EQ(ProgressBarText("Work: ", 0, 0, 80), "Work: 100% [" + std::string(40, '#') + "]");
+}
+
+TEST(ProgressBar, StaysOnOneRowOfTheTerminal) {
+  const std::string caption = "Scanning a_rather_long_name.txt -- Progress: ";
+  const std::string bar = ProgressBarText(caption, 1, 2, 80);
+  EXPECT_EQ(bar, caption + " 50% [#############              ]");
+  EXPECT_EQ(bar.size(), 79U);
+  EXPECT_EQ(ProgressBarText(caption, 1, 2, 60), caption + " 50%");
+  EXPECT_EQ(ProgressBarText(caption, 1, 2, 20), caption.substr(0, 15) + " 50%");
+  EXPECT_EQ(ProgressBarText(caption, 1, 2, 5), " 50%");
+  EXPECT_EQ(ProgressBarText(caption, 1, 2, 0), " 50%");
 }
 
 }  // namespace
