@@ -1,12 +1,17 @@
 // The matcher at speed and the plain one, which defines what matching means, give the same.
 
+#include "template/NestingLimits.h"
 #include "tests/support/Application.h"
 #include "tests/support/RandomMatch.h"
+#include "tests/support/TemplateBuilder.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace bomparser::test {
 namespace {
@@ -39,6 +44,60 @@ TEST(MatchDifferential, RandomTemplatesGiveTheSameOnShortTexts) {
 
 TEST(MatchDifferential, RandomTemplatesGiveTheSameOnLongerTexts) {
   CompareMatchers(1'000'001, TemplateCount(400), Circles::No, 160);
+}
+
+std::size_t DeepestBrace(std::string_view text) {
+  std::size_t open = 0;
+  std::size_t deepest = 0;
+  for (const char c : text) {
+    if (c == '{') deepest = std::max(deepest, ++open);
+    if (c == '}') --open;
+  }
+  return deepest;
+}
+
+TEST(MatchDifferential, RecordsThatContainEachOtherStopAtTheSameDepth) {
+  CTNParserTemplate document(nullptr);
+  // Circles come about by edits: each record was valid before it was led back to itself.
+  CTNTemplateRecord& odd = AddRecord(document, RecordKind::SubRecord, "odd", {String("(")});
+  CTNTemplateRecord& even = AddRecord(document, RecordKind::SubRecord, "even", {String("(")});
+  AddField(odd, Optional(SubRecord("A2")));
+  AddField(even, Optional(SubRecord("A1")));
+  AddRecord(document, RecordKind::MultipleMatch, "line", {SubRecord("A1"), Newline()});
+  ASSERT_EQ(document.GetAuxiliaryRecords()[2]->IsValid(), 1);
+  for (std::size_t depth = 190; depth < 210; ++depth) {
+    const std::string text = std::string(depth, '(') + '\n';
+    EXPECT_EQ(FindDifference(document, text), "") << depth;
+    const std::string block = ApplyToText(document, text).Readable()[0];
+    // One brace is the block's own. What would lie too deep lies beside the deepest instance.
+    EXPECT_EQ(DeepestBrace(block), std::min<std::size_t>(depth, kMaxNestedRecords) + 1) << depth;
+  }
+}
+
+TEST(MatchDifferential, RecordsThatContainEachOtherStopAtTheSameAttempt) {
+  CTNParserTemplate document(nullptr);
+  CTNTemplateRecord& one = AddRecord(document, RecordKind::SubRecord, "one", {String("a")});
+  CTNTemplateRecord& two = AddRecord(document, RecordKind::SubRecord, "two", {String("a")});
+  for (int i = 0; i < 2; ++i) {
+    AddField(one, Optional(SubRecord("A2")));
+    AddField(two, Optional(SubRecord("A1")));
+  }
+  AddField(one, String("!"));
+  AddField(two, String("!"));
+  AddRecord(document, RecordKind::MultipleMatch, "line",
+            {Optional(SubRecord("A1")), Scan(), SubRecord("A1"), Newline()});
+  ASSERT_EQ(document.GetAuxiliaryRecords()[2]->IsValid(), 1);
+  const auto isTaken = [&document](const std::string& text) {
+    EXPECT_EQ(FindDifference(document, text), "") << text.size();
+    return ApplyToText(document, text).blocks.GetAt(0).GetKind() == BlockKind::Auxiliary;
+  };
+  // Two ways at each step: a few steps more and nothing is left for what would match behind.
+  EXPECT_TRUE(isTaken("aaaa-a!\n"));
+  EXPECT_FALSE(isTaken(std::string(20, 'a') + "-a!\n"));
+  // An attempt at each place that the scan passes over, also where the sub-record cannot begin.
+  const std::size_t most = kMaxEntangledAttempts;
+  EXPECT_TRUE(isTaken(std::string(most - 100, '-') + "a!\n"));
+  EXPECT_FALSE(isTaken(std::string(most + 100, '-') + "a!\n"));
 }
 
 /// True for a block with a sub-record that begins with a sub-record.

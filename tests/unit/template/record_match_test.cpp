@@ -150,6 +150,15 @@ TEST_F(RecordMatch, AFailedTestOfASelectionKeepsTheValues) {
   EXPECT_EQ(Values(record), "ab| ||");
 }
 
+TEST_F(RecordMatch, AFailedTestOfASelectionKeepsTheValuesOfSubRecordsToo) {
+  CTNTemplateRecord& sub = Add({Alpha(), WholeNum()});
+  CTNTemplateRecord& record = Add({SubRecord("A1"), Newline()});
+  Match(record, "ab x");
+  EXPECT_EQ(Values(sub), "||");
+  Match(record, "ab x", KeepValues::Yes);
+  EXPECT_EQ(Values(sub), "ab||");
+}
+
 TEST_F(RecordMatch, AMatchBeginsByEmptyingTheValues) {
   CTNTemplateRecord& record = Add({Optional(WholeNum()), Alpha()});
   EXPECT_EQ(Match(record, "1a"), "A1{F1=1|F2=a}");
