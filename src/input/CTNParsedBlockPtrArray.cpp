@@ -14,8 +14,11 @@ CTNParsedResult& CTNParsedBlockPtrArray::Begin(std::shared_ptr<const CTNInputTex
 }
 
 std::ptrdiff_t CTNParsedBlockPtrArray::Add(std::uint32_t text, std::uint32_t textEnd,
-                                           std::uint32_t elements, std::uint32_t record) {
-  const std::uint32_t rows = m_building->CountRows(text, textEnd, elements, record);
+                                           std::uint32_t elements, std::uint32_t record,
+                                           BlockRows known) {
+  m_building->CheckElementCount();
+  const std::uint32_t rows =
+      known == BlockRows::One ? 1 : m_building->CountRows(text, textEnd, elements, record);
   if (m_progress != nullptr && m_progress->StepAndPoll(rows)) {
     m_building->CutElements(elements);
     return -1;

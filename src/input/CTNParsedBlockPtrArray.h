@@ -12,6 +12,9 @@ namespace bomparser {
 /// What an application is for: a result that is shown and written, or its counts alone.
 enum class ResultUse { Kept, Counted };
 
+/// What is known of the rows of a block that is added: one, or to be counted.
+enum class BlockRows { Any, One };
+
 /// The purpose of an application.
 struct ApplicationPurpose {
   static constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
@@ -41,7 +44,7 @@ class CTNParsedBlockPtrArray {
   /// the watching progress of its rows. Returns its position, or -1 when the user has cancelled:
   /// the block is not added then. Throws std::bad_alloc when memory runs out.
   std::ptrdiff_t Add(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
-                     std::uint32_t record);
+                     std::uint32_t record, BlockRows known = BlockRows::Any);
 
   std::size_t GetSize() const { return m_result ? m_result->GetBlockCount() : 0; }
   /// A view of one block. An index outside the array throws std::invalid_argument.

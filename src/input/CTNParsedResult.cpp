@@ -3,7 +3,6 @@
 #include "input/CTNElementCursor.h"
 
 #include <cstring>
-#include <limits>
 #include <new>
 
 namespace bomparser {
@@ -101,7 +100,6 @@ std::ptrdiff_t CTNParsedResult::LastBlockOf(std::uint32_t record) const {
 
 std::uint32_t CTNParsedResult::CountRows(std::uint32_t text, std::uint32_t textEnd,
                                          std::uint32_t elements, std::uint32_t record) const {
-  if (m_elements.Size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
   if (record == CTNParsedLayout::kNoRecord) return 0;
   const auto& fields = m_layout->Records()[record].fields;
   const char* bytes = m_text->Data();

@@ -62,9 +62,11 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
       return Outcome::Unreadable;
     }
     m_matcher.TakePending();
-    const std::ptrdiff_t added = m_blocks.Add(position, taken.end, elements, taken.record);
+    const RecordOp& record = m_program.GetRecord(taken.record);
+    const std::ptrdiff_t added = m_blocks.Add(position, taken.end, elements, taken.record,
+                                              record.oneLine ? BlockRows::One : BlockRows::Any);
     if (added < 0) return Outcome::Cancelled;
-    if (m_program.GetRecord(taken.record).singleMatch) m_singleBlocks[taken.record] = added;
+    if (record.singleMatch) m_singleBlocks[taken.record] = added;
     m_lastBlock = m_result.GetBlockCount();
     position = taken.end;
     if (taken.record == m_program.GetCatchAll() && m_blocks.IsGivenUp()) break;

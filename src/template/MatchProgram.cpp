@@ -1,11 +1,13 @@
 #include "template/MatchProgram.h"
 
+#include "input/CTNParsedResult.h"
 #include "template/CTNParserTemplate.h"
 #include "template/EntangledRecords.h"
 #include "template/NestingLimits.h"
 #include "tnbase/CharClass.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace bomparser {
 
@@ -25,6 +27,22 @@ void AddBytes(ByteSet& bytes, Belongs belongs) {
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     if (belongs(static_cast<char>(i))) bytes[i] = true;
   }
+}
+
+/// Puts the text into lower case where case does not count.
+MatchValue PrepareValue(std::string& text, bool caseSensitive) {
+  std::array<char, sizeof(std::uint64_t)> head{};
+  std::array<char, sizeof(std::uint64_t)> mask{};
+  std::array<char, sizeof(std::uint64_t)> fold{};
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (!caseSensitive) text[i] = ToLower(text[i]);
+    if (i >= head.size()) continue;
+    head[i] = text[i];
+    mask[i] = static_cast<char>(0xFF);
+    if (!caseSensitive && IsAlpha(text[i])) fold[i] = 'a' ^ 'A';
+  }
+  return {std::bit_cast<std::uint64_t>(head), std::bit_cast<std::uint64_t>(mask),
+          std::bit_cast<std::uint64_t>(fold), text, caseSensitive};
 }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
@@ -98,9 +116,10 @@ class MatchProgram::FirstBytes {
 
   void AddLiterals(const FieldOp& op, ByteSet& bytes) {
     for (std::uint32_t i = op.firstValue; i < op.lastValue; ++i) {
-      const char first = m_program.m_values[i].front();
+      const MatchValue& value = m_program.m_values[i];
+      const char first = value.text.front();
       bytes[Index(first)] = true;
-      if (!op.caseSensitive) bytes[Index(ToUpper(first))] = true;
+      if (!value.caseSensitive) bytes[Index(ToUpper(first))] = true;
     }
   }
 
@@ -175,14 +194,37 @@ void MatchProgram::CompileRecord(const CTNTemplateRecord& record) {
     if (m_ops.back().kind == FieldKind::SubRecord) op.nests = true;
   }
   op.lastOp = static_cast<std::uint32_t>(m_ops.size());
+  op.mostBytes = (op.lastOp - op.firstOp) * element_code::kMaxBytes;
+  op.oneLine = TakesOneLine(op);
   m_records.push_back(op);
+}
+
+bool MatchProgram::TakesOneLine(const RecordOp& record) const {
+  if (record.nests || record.firstOp == record.lastOp) return false;
+  const std::uint32_t last = record.lastOp - 1;
+  if (m_ops[last].kind != FieldKind::Newline || !m_ops[last].required) return false;
+  for (std::uint32_t i = record.firstOp; i < last; ++i) {
+    if (MayTakeLineFeed(m_ops[i], m_ops[i + 1].kind == FieldKind::Newline)) return false;
+  }
+  return true;
+}
+
+/// Of a field that is no sub-record.
+bool MatchProgram::MayTakeLineFeed(const FieldOp& op, bool beforeNewline) const {
+  if (op.kind == FieldKind::Newline) return true;
+  if (op.kind == FieldKind::ScanToNext) return !beforeNewline;
+  if (op.kind != FieldKind::String) return false;
+  const auto hasLineFeed = [](const MatchValue& value) {
+    return value.text.find('\n') != std::string_view::npos;
+  };
+  return std::any_of(m_values.begin() + op.firstValue, m_values.begin() + op.lastValue,
+                     hasLineFeed);
 }
 
 FieldOp MatchProgram::CompileField(const CTNTemplRecInField& field) {
   FieldOp op{};
   op.kind = field.GetType();
   op.required = field.IsRequired();
-  op.caseSensitive = field.IsCaseSensitive();
   op.repeatable = field.IsRepeatable();
   op.length = field.GetMatchLength();
   op.subRecord = m_layout->IndexOf(field.GetMatchedSubRecord());
@@ -194,15 +236,10 @@ void MatchProgram::CompileValues(const CTNTemplRecInField& field, FieldOp& op) {
   op.firstValue = static_cast<std::uint32_t>(m_values.size());
   for (const std::string& value : field.GetMatchValues()) {
     auto text = std::make_unique<std::string>(value);
-    if (!op.caseSensitive) {
-      for (char& c : *text)
-        c = ToLower(c);
-    }
-    m_values.push_back(*text);
+    m_values.push_back(PrepareValue(*text, field.IsCaseSensitive()));
     m_valueTexts.push_back(std::move(text));
   }
   op.lastValue = static_cast<std::uint32_t>(m_values.size());
-  op.hasValues = op.lastValue > op.firstValue;
 }
 
 void MatchProgram::PrepareScans(FirstBytes& first) {
@@ -224,7 +261,7 @@ void MatchProgram::PrepareScans(FirstBytes& first) {
         scan.searchByte = static_cast<char>(only);
         const bool literal = next.kind == FieldKind::String &&
                              next.lastValue - next.firstValue == 1 &&
-                             m_values[next.firstValue].size() == 1;
+                             m_values[next.firstValue].text.size() == 1;
         const bool enough = literal || next.kind == FieldKind::Newline ||
                             next.kind == FieldKind::Space || next.kind == FieldKind::Tab;
         scan.search = enough ? ScanSearch::OneByte : ScanSearch::FromByte;

@@ -27,20 +27,30 @@ enum class ScanSearch : std::uint8_t {
   FromSet,   // Where a byte of its set stands it may match.
 };
 
+/// A text that a field matches, ready to be compared.
+struct MatchValue {
+  /// Eight characters are compared in one go: those of the text under the mask, letters in lower
+  /// case where case does not count.
+  std::uint64_t head;
+  std::uint64_t mask;
+  std::uint64_t fold;  // The bit that tells the cases apart, at the letters.
+  std::string_view text;
+  bool caseSensitive;
+};
+
 /// One field of a pattern, ready to be matched.
 struct FieldOp {
   FieldKind kind;
   bool required;
-  bool caseSensitive;
   bool repeatable;
-  bool hasValues;
   ScanSearch search;         // Of SCAN_TO_NEXT:
   char searchByte;           //   the byte of OneByte and FromByte;
   std::uint32_t scanSlot;    //   its place in the matcher's memory of scans.
   std::int32_t length;       // Of COLUMN and SCAN_TO_NEXT: the match length.
   std::uint32_t subRecord;   // Of SUBRECORD: the record's place in the program.
-  std::uint32_t firstValue;  // Match values, in lower case unless the field is case-sensitive.
+  std::uint32_t firstValue;  // Match values.
   std::uint32_t lastValue;
+  bool HasValues() const { return lastValue > firstValue; }
 };
 
 /// One record, ready to be matched.
@@ -49,8 +59,10 @@ struct RecordOp {
   bool singleMatch;
   bool entangled;  // See EntangledRecords.
   bool nests;      // It has SUBRECORD fields.
+  bool oneLine;    // What it matches is one line, whose line feed its last field takes.
   std::uint32_t firstOp;
   std::uint32_t lastOp;
+  std::size_t mostBytes;  // Of elements, apart from the instances of sub-records.
 };
 
 /// A template compiled for matching: the same rules as the match functions of records and fields,
@@ -62,7 +74,7 @@ class MatchProgram {
   std::shared_ptr<const CTNParsedLayout> GetLayout() const { return m_layout; }
   const RecordOp& GetRecord(std::uint32_t record) const { return m_records[record]; }
   const FieldOp* Ops() const { return m_ops.data(); }
-  const std::string_view* Values() const { return m_values.data(); }
+  const MatchValue* Values() const { return m_values.data(); }
   std::uint32_t GetCatchAll() const { return m_catchAll; }
   std::uint32_t GetIgnoredLines() const { return m_ignoredLines; }
   std::size_t GetScanCount() const { return m_scanSets.size(); }
@@ -89,6 +101,8 @@ class MatchProgram {
   void CompileRecord(const CTNTemplateRecord& record);
   FieldOp CompileField(const CTNTemplRecInField& field);
   void CompileValues(const CTNTemplRecInField& field, FieldOp& op);
+  bool MayTakeLineFeed(const FieldOp& op, bool beforeNewline) const;
+  bool TakesOneLine(const RecordOp& record) const;
   void PrepareScans(FirstBytes& first);
   void ListCandidates(FirstBytes& first);
 
@@ -96,7 +110,7 @@ class MatchProgram {
   std::vector<RecordOp> m_records;  // By place in the layout.
   std::vector<FieldOp> m_ops;
   std::vector<ByteSet> m_scanSets;
-  std::vector<std::string_view> m_values;
+  std::vector<MatchValue> m_values;
   std::vector<std::unique_ptr<std::string>> m_valueTexts;
   std::vector<std::uint32_t> m_tryOrder;
   std::vector<std::uint32_t> m_candidates;

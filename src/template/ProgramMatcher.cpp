@@ -1,6 +1,6 @@
 #include "template/ProgramMatcher.h"
 
-#include "tnbase/CharClass.h"
+#include "tnbase/CharRuns.h"
 
 #include <algorithm>
 #include <cassert>
@@ -11,57 +11,18 @@ namespace bomparser {
 
 namespace {
 
-constexpr std::uint8_t kLetter = 1;
-constexpr std::uint8_t kFigure = 2;
-constexpr std::uint8_t kBlank = 4;
-constexpr std::uint8_t kLineEnd = 8;
-constexpr std::uint8_t kSeparator = 16;
-constexpr std::uint8_t kSign = 32;
+bool IsSign(char c) { return c == '-' || c == '+'; }
+bool IsSeparator(char c) { return c == '.' || c == ','; }
 
-constexpr std::array<std::uint8_t, 256> MakeClasses() {
-  std::array<std::uint8_t, 256> classes{};
-  for (std::size_t i = 0; i < classes.size(); ++i) {
-    const char c = static_cast<char>(i);
-    if (IsAlpha(c)) classes[i] = kLetter;
-    if (IsDigit(c)) classes[i] = kFigure;
-    if (c == ' ' || c == '\t') classes[i] = kBlank;
-    if (c == '\n') classes[i] = kLineEnd;
-    if (c == '.' || c == ',') classes[i] = kSeparator;
-    if (c == '-' || c == '+') classes[i] = kSign;
-  }
-  return classes;
-}
-
-constexpr std::array<std::uint8_t, 256> kClasses = MakeClasses();
-
-bool Is(char c, std::uint8_t classes) {
-  return (kClasses[static_cast<unsigned char>(c)] & classes) != 0;
-}
-
-// Runs need no end test: behind the text stands a line feed, which ends every run.
-const char* SkipRun(const char* at, std::uint8_t classes) {
-  while (Is(*at, classes))
-    ++at;
-  return at;
-}
-
-const char* SkipWord(const char* at) {
-  while (!Is(*at, kBlank | kLineEnd))
-    ++at;
-  return at;
-}
-
-bool Equal(const char* text, std::string_view value, bool caseSensitive) {
-  if (caseSensitive) return std::memcmp(text, value.data(), value.size()) == 0;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    if (ToLower(text[i]) != value[i]) return false;
+/// True when the value stands at `at`, where as many characters as it has are left.
+inline bool Stands(const MatchValue& value, const char* at) {
+  std::uint64_t head = 0;
+  std::memcpy(&head, at, sizeof(head));
+  if (((head | value.fold) & value.mask) != value.head) return false;
+  for (std::size_t i = sizeof(head); i < value.text.size(); ++i) {
+    if ((value.caseSensitive ? at[i] : ToLower(at[i])) != value.text[i]) return false;
   }
   return true;
-}
-
-const char* Find(const char* from, const char* end, char wanted) {
-  const void* found = std::memchr(from, wanted, static_cast<std::size_t>(end - from));
-  return found != nullptr ? static_cast<const char*>(found) : end;
 }
 
 }  // namespace
@@ -75,82 +36,94 @@ ProgramMatcher::ProgramMatcher(const MatchProgram& program, CTNParsedResult& res
       m_failures(program.GetRecordCount()),
       m_attempts(program.GetRecordCount()) {}
 
-std::uint8_t* ProgramMatcher::Room(std::size_t count) {
-  return m_result.MakeElementRoom(m_pending + count) + m_pending;
+/// Makes room for this many element bytes behind those that are pending.
+inline void ProgramMatcher::MakeRoom(std::size_t count) {
+  if (static_cast<std::size_t>(m_roomEnd - m_out) < count) GrowRoom(count);
+}
+
+[[gnu::noinline]] void ProgramMatcher::GrowRoom(std::size_t count) {
+  const std::size_t pending = CountPending();
+  m_firstPending = m_result.MakeElementRoom(pending + count);
+  m_roomEnd = m_firstPending + m_result.GetElementRoom();
+  CutPending(pending);
+}
+
+inline void ProgramMatcher::Begin(std::uint32_t record, std::uint32_t position) {
+  m_block = position;
+  m_parent = record;
+  m_firstPending = m_result.MakeElementRoom(0);
+  m_roomEnd = m_firstPending + m_result.GetElementRoom();
+  CutPending(0);
 }
 
 void ProgramMatcher::TakePending() {
-  m_result.AdvanceElements(m_pending);
-  m_pending = 0;
+  m_result.AdvanceElements(CountPending());
+  m_firstPending = m_out;
 }
 
 std::uint32_t ProgramMatcher::Match(std::uint32_t record, std::uint32_t position) {
-  m_pending = 0;
-  m_block = position;
-  m_parent = record;
+  Begin(record, position);
   m_exact = m_program.GetRecord(record).entangled;
   m_nesting = NestingState(m_exact ? NestingState::Kind::Entangled : NestingState::Kind::Plain);
-  const char* end = MatchRecord(record, m_begin + position);
+  const char* const end = MatchRecord(m_program.GetRecord(record), m_begin + position);
   if (end != nullptr) return PositionOf(end);
-  m_pending = 0;
+  CutPending(0);
   return kFailed;
 }
 
 std::uint32_t ProgramMatcher::MatchRestOfLine(std::uint32_t position) {
-  m_pending = 0;
+  Begin(m_program.GetCatchAll(), position);
   const char* const at = m_begin + position;
-  const char* const lineEnd = Find(at, m_end, '\n');
+  const char* const lineEnd = FindChar(at, m_end, '\n');
   if (lineEnd == m_end) return kFailed;
-  std::uint8_t* const room = Room(element_code::kMaxBytes + 1);
-  std::uint8_t* end = element_code::PutLength(room, static_cast<std::uint32_t>(lineEnd - at));
-  *end++ = 1;
-  m_pending = static_cast<std::size_t>(end - room);
+  MakeRoom(element_code::kMaxBytes + 1);
+  m_out = element_code::PutLength(m_out, static_cast<std::uint32_t>(lineEnd - at));
+  *m_out++ = 1;
   return PositionOf(lineEnd) + 1;
 }
 
-const char* ProgramMatcher::MatchRecord(std::uint32_t index, const char* at) {
+const char* ProgramMatcher::MatchRecord(const RecordOp& record, const char* at) {
   assert(at != nullptr);
-  const RecordOp& record = m_program.GetRecord(index);
   if (!record.valid) return nullptr;
+  MakeRoom(record.mostBytes);
   const FieldOp* const last = m_program.Ops() + record.lastOp;
   for (const FieldOp* op = m_program.Ops() + record.firstOp; op < last; ++op) {
     if (op->kind == FieldKind::SubRecord) {
-      const char* end = MatchInstances(*op, at);
+      const char* const end = MatchInstances(*op, at);
       if (end == nullptr && op->required) return nullptr;
       if (end != nullptr) at = end;
+      MakeRoom(record.mostBytes);
       continue;
     }
-    const char* end = op->kind == FieldKind::ScanToNext ? MatchScan(*op, at) : MatchField(*op, at);
-    std::uint8_t* const room = Room(element_code::kMaxBytes);
+    const char* const end = MatchField(*op, at);
     if (end != nullptr) {
-      const auto length = static_cast<std::uint32_t>(end - at);
-      m_pending += static_cast<std::size_t>(element_code::PutLength(room, length) - room);
+      m_out = element_code::PutLength(m_out, static_cast<std::uint32_t>(end - at));
       at = end;
     } else {
       if (op->required) return nullptr;
-      *room = element_code::kAbsent;
-      ++m_pending;
+      *m_out++ = element_code::kAbsent;
     }
   }
   return at;
 }
 
-/// Matches a field that is neither a scan nor a sub-record; the place behind it, or null.
-inline const char* ProgramMatcher::MatchField(const FieldOp& op, const char* at) const {
+/// Matches a field that is no sub-record; the place behind it, or null.
+[[gnu::always_inline]] inline const char* ProgramMatcher::MatchField(const FieldOp& op,
+                                                                     const char* at) {
   assert(at != nullptr);
   switch (op.kind) {
     case FieldKind::String:
       return MatchString(op, at);
     case FieldKind::Column:
       if (op.length < 0 || m_end - at < op.length ||
-          Find(at, at + op.length, '\n') != at + op.length) {
+          FindChar(at, at + op.length, '\n') != at + op.length) {
         return nullptr;
       }
       return at + op.length;
     case FieldKind::Alphanumeric:
-      return CheckValues(op, at, SkipRun(at, kLetter | kFigure));
+      return CheckValues(op, at, EndOfAlphanumerics(at));
     case FieldKind::Alpha:
-      return CheckValues(op, at, SkipRun(at, kLetter));
+      return CheckValues(op, at, EndOfLetters(at));
     case FieldKind::WholeNum:
     case FieldKind::DecimalNum:
       return MatchNumber(op, at);
@@ -159,23 +132,27 @@ inline const char* ProgramMatcher::MatchField(const FieldOp& op, const char* at)
     case FieldKind::Tab:
       return at < m_end && *at == '\t' ? at + 1 : nullptr;
     case FieldKind::WhtSpace: {
-      const char* end = SkipRun(at, kBlank);
+      const char* const end = EndOfBlanks(at);
       return end > at ? end : nullptr;
     }
     case FieldKind::NotWhtSpace:
-      return CheckValues(op, at, SkipWord(at));
+      return CheckValues(op, at, EndOfWord(at));
     case FieldKind::Newline:
       return at < m_end && *at == '\n' ? at + 1 : nullptr;
-    default:
-      return nullptr;
+    case FieldKind::ScanToNext:
+      return MatchScan(op, at);
+    case FieldKind::SubRecord:
+    case FieldKind::Undefined:
+      break;
   }
+  return nullptr;
 }
 
-const char* ProgramMatcher::MatchString(const FieldOp& op, const char* at) const {
+inline const char* ProgramMatcher::MatchString(const FieldOp& op, const char* at) const {
   const auto left = static_cast<std::size_t>(m_end - at);
   for (std::uint32_t i = op.firstValue; i < op.lastValue; ++i) {
-    const std::string_view value = m_program.Values()[i];
-    if (value.size() <= left && Equal(at, value, op.caseSensitive)) return at + value.size();
+    const MatchValue& value = m_program.Values()[i];
+    if (value.text.size() <= left && Stands(value, at)) return at + value.text.size();
   }
   return nullptr;
 }
@@ -184,27 +161,26 @@ const char* ProgramMatcher::MatchString(const FieldOp& op, const char* at) const
 inline const char* ProgramMatcher::CheckValues(const FieldOp& op, const char* at,
                                                const char* end) const {
   if (end == at) return nullptr;
-  if (!op.hasValues) return end;
+  if (!op.HasValues()) return end;
   const auto length = static_cast<std::size_t>(end - at);
   for (std::uint32_t i = op.firstValue; i < op.lastValue; ++i) {
-    const std::string_view value = m_program.Values()[i];
-    if (value.size() == length && Equal(at, value, op.caseSensitive)) return end;
+    const MatchValue& value = m_program.Values()[i];
+    if (value.text.size() == length && Stands(value, at)) return end;
   }
   return nullptr;
 }
 
 inline const char* ProgramMatcher::MatchNumber(const FieldOp& op, const char* at) const {
-  const bool sign = Is(*at, kSign);
-  const char* const digits = at + (sign ? 1 : 0);
-  const char* end = SkipRun(digits, kFigure);
+  const char* const digits = at + (IsSign(*at) ? 1 : 0);
+  const char* end = EndOfDigits(digits);
   if (op.kind == FieldKind::DecimalNum) {
-    if (!Is(*end, kSeparator)) return nullptr;
-    end = SkipRun(end + 1, kFigure);
+    if (!IsSeparator(*end)) return nullptr;
+    end = EndOfDigits(end + 1);
     if (end - digits < 2) return nullptr;
   } else if (end == digits) {
     return nullptr;
   }
-  if (!op.hasValues || CheckValues(op, at, end) != nullptr) return end;
+  if (!op.HasValues() || CheckValues(op, at, end) != nullptr) return end;
   return *at == '+' && CheckValues(op, digits, end) != nullptr ? end : nullptr;
 }
 
@@ -213,9 +189,9 @@ inline const char* ProgramMatcher::MatchNumber(const FieldOp& op, const char* at
 /// True when the field matches; what it writes is dropped. A scan is never tried: it has no next.
 bool ProgramMatcher::MatchesHere(const FieldOp& next, const char* at) {
   if (next.kind != FieldKind::SubRecord) return MatchField(next, at) != nullptr;
-  const std::size_t pending = m_pending;
+  const std::size_t pending = CountPending();
   const bool matched = MatchNested(next, at) != nullptr;
-  m_pending = pending;
+  CutPending(pending);
   return matched;
 }
 
@@ -232,7 +208,7 @@ const char* ProgramMatcher::Search(const FieldOp& scan, const char* from, const 
     return nullptr;
   }
   while (from <= last) {
-    from = Find(from, std::min(last + 1, m_end), scan.searchByte);
+    from = FindChar(from, std::min(last + 1, m_end), scan.searchByte);
     if (from > last || from == m_end) return nullptr;
     if (scan.search == ScanSearch::OneByte || MatchesHere(next, from)) return from;
     ++from;
@@ -241,7 +217,15 @@ const char* ProgramMatcher::Search(const FieldOp& scan, const char* from, const 
 }
 
 /// Makes the zone that holds the position the current one, if there is one.
-void ProgramMatcher::TurnTo(ScanMemory& memory, std::uint32_t position) const {
+inline void ProgramMatcher::TurnTo(ScanMemory& memory, std::uint32_t position) const {
+  if (memory.current.clear < m_block && memory.others.empty()) {
+    memory.current = {};
+  } else {
+    TurnAmongMany(memory, position);
+  }
+}
+
+void ProgramMatcher::TurnAmongMany(ScanMemory& memory, std::uint32_t position) const {
   const ScanZone left = std::exchange(memory.current, {});
   auto found = std::upper_bound(
       memory.others.begin(), memory.others.end(), position,
@@ -278,7 +262,7 @@ const char* ProgramMatcher::SearchEverywhere(const FieldOp& scan, const char* fr
   return nullptr;
 }
 
-const char* ProgramMatcher::MatchScan(const FieldOp& scan, const char* at) {
+[[gnu::noinline]] const char* ProgramMatcher::MatchScan(const FieldOp& scan, const char* at) {
   if (scan.search == ScanSearch::Never) return nullptr;
   // One character more than the limit can be skipped: it is tested before each read.
   const char* last = m_end;
@@ -319,36 +303,35 @@ const char* ProgramMatcher::MatchNested(const FieldOp& op, const char* at) {
   Failure& failure = m_failures[op.subRecord];
   // What failed here fails again. Of a record with sub-records that is known only while nothing
   // else was tried: its sub-records' last attempts are then still those inside it.
-  const bool nests = m_program.GetRecord(op.subRecord).nests;
-  const bool known =
-      failure.position == position && (!nests || failure.sequence == m_sequence) && !m_exact;
+  const RecordOp& sub = m_program.GetRecord(op.subRecord);
+  const bool known = failure.position == position && (!sub.nests || failure.sequence == m_sequence);
   m_attempts[op.subRecord] = {m_block, m_parent, position, ++m_sequence};
-  const std::size_t pending = m_pending;
-  const char* const end = known ? nullptr : MatchRecord(op.subRecord, at);
+  const std::size_t pending = CountPending();
+  const char* const end = known ? nullptr : MatchRecord(sub, at);
   if (end == nullptr) {
-    m_pending = pending;
+    CutPending(pending);
     failure = {m_exact ? kFailed : position, m_sequence};
   }
   m_nesting.Leave();
   return end;
 }
 
-const char* ProgramMatcher::MatchInstances(const FieldOp& op, const char* at) {
+[[gnu::noinline]] const char* ProgramMatcher::MatchInstances(const FieldOp& op, const char* at) {
   const char* matched = nullptr;
   for (const char* before = at;;) {
-    *Room(1) = element_code::kInstance;
-    ++m_pending;
+    MakeRoom(2);  // For both marks.
+    *m_out++ = element_code::kInstance;
     const char* const end = MatchNested(op, before);
     if (end == nullptr) {
-      --m_pending;
+      --m_out;
       break;
     }
     matched = end;
     if (!op.repeatable || EndsRepetition(PositionOf(before), PositionOf(end))) break;
     before = end;
   }
-  *Room(1) = element_code::kNoMore;
-  ++m_pending;
+  MakeRoom(1);
+  *m_out++ = element_code::kNoMore;
   return matched;
 }
 

@@ -60,8 +60,9 @@ class ProgramMatcher {
     std::uint64_t sequence = 0;
   };
 
-  const char* MatchRecord(std::uint32_t index, const char* at);
-  const char* MatchField(const FieldOp& op, const char* at) const;
+  void Begin(std::uint32_t record, std::uint32_t position);
+  const char* MatchRecord(const RecordOp& record, const char* at);
+  const char* MatchField(const FieldOp& op, const char* at);
   const char* MatchString(const FieldOp& op, const char* at) const;
   const char* MatchNumber(const FieldOp& op, const char* at) const;
   const char* CheckValues(const FieldOp& op, const char* at, const char* end) const;
@@ -69,12 +70,17 @@ class ProgramMatcher {
   const char* Search(const FieldOp& scan, const char* from, const char* last);
   const char* SearchEverywhere(const FieldOp& scan, const char* from, const char* last);
   void TurnTo(ScanMemory& memory, std::uint32_t position) const;
+  void TurnAmongMany(ScanMemory& memory, std::uint32_t position) const;
   void Keep(ScanMemory& memory, const ScanZone& zone) const;
   void NoteFailedTrial(const FieldOp& next, const char* last);
   bool MatchesHere(const FieldOp& next, const char* at);
   const char* MatchNested(const FieldOp& op, const char* at);
   const char* MatchInstances(const FieldOp& op, const char* at);
-  std::uint8_t* Room(std::size_t count);
+  void MakeRoom(std::size_t count);
+  void GrowRoom(std::size_t count);
+  /// Element bytes written and not taken.
+  std::size_t CountPending() const { return static_cast<std::size_t>(m_out - m_firstPending); }
+  void CutPending(std::size_t pending) { m_out = m_firstPending + pending; }
   std::uint32_t PositionOf(const char* at) const {
     return static_cast<std::uint32_t>(at - m_begin);
   }
@@ -83,10 +89,12 @@ class ProgramMatcher {
   CTNParsedResult& m_result;
   const char* m_begin;
   const char* m_end;
-  std::size_t m_pending = 0;   // Element bytes written and not taken.
-  std::uint32_t m_block = 0;   // Where the block under way starts,
-  std::uint32_t m_parent = 0;  // and the record that is tried there.
-  bool m_exact = false;        // Every attempt counts: see MatchScan.
+  std::uint8_t* m_firstPending = nullptr;  // Where the result's next elements go,
+  std::uint8_t* m_out = nullptr;           // how far they are written,
+  std::uint8_t* m_roomEnd = nullptr;       // and up to where there is room for more.
+  std::uint32_t m_block = 0;               // Where the block under way starts,
+  std::uint32_t m_parent = 0;              // and the record that is tried there.
+  bool m_exact = false;                    // Every attempt counts: see MatchScan.
   NestingState m_nesting{NestingState::Kind::Plain};
   std::vector<ScanMemory> m_scans;
   std::vector<Failure> m_failures;  // By record.
