@@ -3,6 +3,7 @@
 #include "input/CTNParsedFileBlock.h"
 #include "template/CTNTemplateRecord.h"
 #include "template/NestingLimits.h"
+#include "tnbase/CharRuns.h"
 
 #include <algorithm>
 #include <cstring>
@@ -85,6 +86,7 @@ class OutputProgram::Compiler {
     for (const auto& element : record.GetOutputFields())
       AddElement(*element, tags);
     if (wrapped) AddText("</ENTITY>");
+    AddOp(OpKind::End);
     return std::exchange(m_ops, {});
   }
 
@@ -95,19 +97,24 @@ class OutputProgram::Compiler {
     const auto offset = static_cast<std::uint32_t>(texts.size());
     texts += text;
     const auto size = static_cast<std::uint32_t>(text.size());
-    Op* const last = m_ops.empty() ? nullptr : &m_ops.back();
-    if (last != nullptr && last->kind == OpKind::Text && last->index + last->size == offset) {
-      last->size += size;
-    } else {
-      m_ops.push_back({OpKind::Text, FieldKind::Undefined, offset, size});
-    }
+    if (m_next.size == 0) m_next.text = offset;
+    m_next.size += size;
+  }
+
+  /// Adds what comes behind the texts that were added last.
+  void AddOp(OpKind kind, std::uint32_t field = 0, std::uint32_t program = 0) {
+    Op op = std::exchange(m_next, {});
+    op.kind = kind;
+    op.field = field;
+    op.program = program;
+    m_ops.push_back(op);
   }
 
   void AddElement(const CTNTemplRecOutField& element, Tags tags) {
     if (tags == Tags::Off) {
-      m_ops.push_back({OpKind::Mark, FieldKind::Undefined, 0, 0});
+      AddOp(OpKind::Mark);
       AddItems(element, Tags::Off);
-      m_ops.push_back({OpKind::Space, FieldKind::Undefined, 0, 0});
+      AddOp(OpKind::Space);
       return;
     }
     const bool bare = element.GetTag() == OutputTag::None;
@@ -148,14 +155,19 @@ class OutputProgram::Compiler {
 
   void AddField(const CTNTemplRecInField& field, Tags tags) {
     const std::uint32_t index = m_layout.FieldIndexOf(m_record, &field);
-    if (field.GetType() != FieldKind::SubRecord) {
-      m_ops.push_back({OpKind::Field, field.GetType(), index, 0});
-      return;
+    const auto& fields = m_layout.Records()[m_record].fields;
+    if (field.GetType() == FieldKind::SubRecord) {
+      const std::uint32_t sub = fields[index].subRecord;
+      if (sub == CTNParsedLayout::kNoRecord) return;
+      AddOp(OpKind::SubRecords, index, Want({sub, tags, true, m_references.GetDepth()}));
+    } else if (field.GetType() == FieldKind::ScanToNext) {
+      // One that goes to the line end holds none.
+      const bool toLineEnd =
+          index + 1 < fields.size() && fields[index + 1].kind == FieldKind::Newline;
+      AddOp(toLineEnd ? OpKind::Field : OpKind::Lines, index);
+    } else if (field.GetType() != FieldKind::Newline) {
+      AddOp(OpKind::Field, index);
     }
-    const std::uint32_t sub = m_layout.Records()[m_record].fields[index].subRecord;
-    if (sub == CTNParsedLayout::kNoRecord) return;
-    m_ops.push_back({OpKind::SubRecords, FieldKind::SubRecord, index,
-                     Want({sub, tags, true, m_references.GetDepth()})});
   }
 
   OutputProgram& m_program;
@@ -164,7 +176,8 @@ class OutputProgram::Compiler {
   std::map<Wanted, std::uint32_t> m_known;
   std::vector<Wanted> m_wanted;  // By program.
   std::uint32_t m_record = 0;    // The record being compiled, and
-  std::vector<Op> m_ops;         // its program so far.
+  std::vector<Op> m_ops;         // its program so far,
+  Op m_next;                     // and the text that the next operation begins with.
   std::vector<const CTNTemplRecOutField*> m_open;
   // The one that values of single-match records count with as well: they are part of the value.
   ReferenceBudget& m_references = ReferenceBudget::OfThisThread();
@@ -180,23 +193,38 @@ OutputProgram::OutputProgram(const CTNParsedResult& result)
   }
   compiler.CompileWanted();
   m_texts.append(kShort, ' ');
+  for (const ParsedRecordLayout& record : layout.Records()) {
+    Shape shape;
+    for (const ParsedFieldLayout& field : record.fields) {
+      const bool nests = field.kind == FieldKind::SubRecord;
+      shape.nests = shape.nests || nests;
+      shape.subRecords.push_back(nests ? field.subRecord : kNone);
+    }
+    m_shapes.push_back(std::move(shape));
+  }
 }
 
 // ------------------------------------------------------------------------------- running
 
-/// Gathers text and hands it on in pieces.
+/// Gathers text and hands it on in pieces. Who writes much of it takes the place where text goes
+/// on (Place), writes there and gives the place behind back (SetPlace).
 class OutputProgram::Output {
  public:
   explicit Output(const Sink& sink) : m_sink(sink), m_piece(new char[kPiece + kShort]) {}
 
-  /// Adds text behind which at least kShort bytes can be read.
-  void AddPadded(const char* text, std::size_t size) {
-    if (size > kShort || kPiece - m_size < size) {
-      Add({text, size});
-      return;
+  /// Where text goes on, with room for a short one.
+  char* Place() {
+    if (m_size > kPiece - kShort) Flush();
+    return m_piece.get() + m_size;
+  }
+  void SetPlace(const char* place) { m_size = static_cast<std::size_t>(place - m_piece.get()); }
+  /// Adds a text behind which at least kShort bytes can be read, at the place, which moves on.
+  char* AddAt(char* place, const char* text, std::size_t size) {
+    if (size <= kShort && place <= m_piece.get() + (kPiece - kShort)) {
+      std::memcpy(place, text, kShort);
+      return place + size;
     }
-    std::memcpy(m_piece.get() + m_size, text, kShort);
-    m_size += size;
+    return AddMuch(place, {text, size});
   }
 
   void Add(std::string_view text) {
@@ -224,6 +252,11 @@ class OutputProgram::Output {
   bool IsGoing() const { return m_going; }
 
  private:
+  [[gnu::noinline]] char* AddMuch(const char* place, std::string_view text) {
+    SetPlace(place);
+    Add(text);
+    return m_piece.get() + m_size;
+  }
   std::uint64_t Total() const { return m_handedOn + m_size; }
   char Last() const { return m_size > 0 ? m_piece[m_size - 1] : m_last; }
   void HandOn(std::string_view text) {
@@ -255,37 +288,64 @@ bool OutputProgram::Write(std::string_view before, std::string_view after, const
   return out.Flush();
 }
 
-void OutputProgram::Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text,
-                        Output& out) {
-  const Program& program = m_programs[index];
-  const auto& fields = m_result.GetLayout().Records()[program.record].fields;
-  const std::size_t base = m_slots.size();
-  m_slots.resize(base + fields.size());
-  Slot* slot = m_slots.data() + base;
-  for (const ParsedFieldLayout& field : fields) {
+/// Moves `from` and `text` behind the elements of one block.
+inline void OutputProgram::Skip(const Shape& shape, const std::uint8_t*& from,
+                                std::uint32_t& text) const {
+  for (const std::uint32_t sub : shape.subRecords) {
+    if (sub == kNone) {
+      text += element_code::TakeLength(from).value_or(0);
+      continue;
+    }
+    while (*from++ == element_code::kInstance)
+      Skip(m_shapes[sub], from, text);
+  }
+}
+
+/// Notes in the slots where the fields of the block at hand are, as Skip moves on.
+inline void OutputProgram::FindFields(const Shape& shape, std::size_t slots,
+                                      const std::uint8_t*& from, std::uint32_t& text) {
+  Slot* slot = m_slots.data() + slots;
+  for (const std::uint32_t sub : shape.subRecords) {
     slot->text = text;
-    if (field.kind == FieldKind::SubRecord) {
-      slot->elements = static_cast<std::uint32_t>(from - m_result.ElementBytes());
-      while (*from++ == element_code::kInstance) {
-        m_result.SkipElements(field.subRecord, from, text);
-      }
+    if (sub == kNone) {
+      const auto length = element_code::TakeLength(from);
+      slot->length = length.value_or(kNothing);
+      text += length.value_or(0);
     } else {
-      slot->length = element_code::TakeLength(from).value_or(kNothing);
-      if (slot->length != kNothing) text += slot->length;
+      slot->elements = static_cast<std::uint32_t>(from - m_result.ElementBytes());
+      while (*from++ == element_code::kInstance)
+        Skip(m_shapes[sub], from, text);
     }
     ++slot;
   }
+}
+
+void OutputProgram::Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text,
+                        Output& out) {
+  const Program& program = m_programs[index];
+  const Shape& shape = ShapeOf(program);
+  const std::size_t slots = m_slotsUsed;
+  m_slotsUsed += shape.subRecords.size();
+  if (m_slots.size() < m_slotsUsed) m_slots.resize(2 * m_slotsUsed);
+  FindFields(shape, slots, from, text);
+  const auto slotOf = [this, slots](const Op& op) { return m_slots[slots + op.field]; };
+  const char* const input = m_result.GetText()->Data();
   const char* const texts = m_texts.data();
+  char* place = out.Place();
   for (const Op& op : program.ops) {
+    place = out.AddAt(place, texts + op.text, op.size);
+    if (op.kind == OpKind::Field) {
+      const Slot slot = slotOf(op);
+      if (slot.length != kNothing) place = out.AddAt(place, input + slot.text, slot.length);
+      continue;
+    }
+    out.SetPlace(place);
     switch (op.kind) {
-      case OpKind::Text:
-        out.AddPadded(texts + op.index, op.size);
-        break;
-      case OpKind::Field:
-        WriteField(m_slots[base + op.index], op.field, out);
+      case OpKind::Lines:
+        WriteLines(slotOf(op), out);
         break;
       case OpKind::SubRecords:
-        RunInstances(op.size, m_slots[base + op.index], out);
+        RunInstances(op.program, slotOf(op), out);
         break;
       case OpKind::Mark:
         out.Mark();
@@ -293,34 +353,35 @@ void OutputProgram::Run(std::uint32_t index, const std::uint8_t*& from, std::uin
       case OpKind::Space:
         out.EndValue();
         break;
+      case OpKind::Field:
+      case OpKind::End:
+        break;
     }
+    place = out.Place();
   }
-  m_slots.resize(base);
+  m_slotsUsed = slots;
 }
 
-void OutputProgram::RunInstances(std::uint32_t program, const Slot& slot, Output& out) {
+void OutputProgram::RunInstances(std::uint32_t program, Slot slot, Output& out) {
   const std::uint8_t* from = m_result.ElementBytes() + slot.elements;
   std::uint32_t text = slot.text;
   while (*from++ == element_code::kInstance)
     Run(program, from, text, out);
 }
 
-void OutputProgram::WriteField(const Slot& slot, FieldKind kind, Output& out) const {
-  if (slot.length == kNothing || kind == FieldKind::Newline) return;
-  const char* const text = m_result.GetText()->Data() + slot.text;
-  const bool lines =
-      kind == FieldKind::ScanToNext && std::memchr(text, '\n', slot.length) != nullptr;
-  if (!lines) {
-    out.AddPadded(text, slot.length);
-    return;
+/// Writes what a scan matched. One over line ends gives its lines joined, as its elements are.
+void OutputProgram::WriteLines(Slot slot, Output& out) const {
+  if (slot.length == kNothing) return;
+  const char* from = m_result.GetText()->Data() + slot.text;
+  const char* const last = from + slot.length;
+  const char* end = FindChar(from, last, '\n');
+  const bool joined = end < last;
+  for (; end < last; end = FindChar(from, last, '\n')) {
+    out.Add({from, end});
+    from = end + 1;
   }
-  // A scan over line ends gives its lines joined, as its elements are.
-  std::string_view rest(text, slot.length);
-  for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
-    out.Add(rest.substr(0, end));
-    rest.remove_prefix(end + 1);
-  }
-  if (rest.size() >= 2) out.Add(rest);
+  if (!joined || last - from >= 2)
+    out.SetPlace(out.AddAt(out.Place(), from, static_cast<std::size_t>(last - from)));
 }
 
 }  // namespace bomparser

@@ -28,41 +28,57 @@ class OutputProgram {
 
  private:
   enum class OpKind : std::uint8_t {
-    Text,        // A constant text.
+    End,         // Nothing: the text in front is the last.
     Field,       // What a field matched.
+    Lines,       // What a scan matched that may go over line ends.
     SubRecords,  // The entity texts of a sub-record field's instances.
     Mark,        // Remembers where a value starts.
     Space,       // Ends it with a blank if it is not empty and does not end in one.
   };
+  /// A constant text, and what comes behind it.
   struct Op {
-    OpKind kind;
-    FieldKind field;      // Of Field.
-    std::uint32_t index;  // Of a field its place in the record; of a text its offset in m_texts.
-    std::uint32_t size;   // Of a text; of SubRecords the place of the instances' program.
+    OpKind kind = OpKind::End;
+    std::uint32_t field = 0;    // Of a field its place in the record.
+    std::uint32_t program = 0;  // Of SubRecords that of the instances.
+    std::uint32_t text = 0;     // The constant text's offset in m_texts,
+    std::uint32_t size = 0;     // and its size.
   };
   /// The output of one record, with tags or without.
   struct Program {
     std::uint32_t record;
     std::vector<Op> ops;
   };
+  /// What of a record's fields matters for finding their texts.
+  struct Shape {
+    bool nests = false;                     // It has SUBRECORD fields.
+    std::vector<std::uint32_t> subRecords;  // By field: the record that it names, or kNone.
+  };
   /// Where a field's text, or the elements of its instances, are in the block at hand.
   struct Slot {
     std::uint32_t text;
-    std::uint32_t length;
-    std::uint32_t elements;
+    union {
+      std::uint32_t length;    // kNothing for an absent field.
+      std::uint32_t elements;  // Of a SUBRECORD field.
+    };
   };
   class Compiler;
   class Output;
 
+  const Shape& ShapeOf(const Program& program) const { return m_shapes[program.record]; }
   void Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text, Output& out);
-  void RunInstances(std::uint32_t program, const Slot& slot, Output& out);
-  void WriteField(const Slot& slot, FieldKind kind, Output& out) const;
+  void RunInstances(std::uint32_t program, Slot slot, Output& out);
+  void FindFields(const Shape& shape, std::size_t slots, const std::uint8_t*& from,
+                  std::uint32_t& text);
+  void Skip(const Shape& shape, const std::uint8_t*& from, std::uint32_t& text) const;
+  void WriteLines(Slot slot, Output& out) const;
 
   const CTNParsedResult& m_result;
   std::vector<std::uint32_t> m_entities;  // By record of the layout: its program, or kNone.
   std::vector<Program> m_programs;
   std::string m_texts;
-  std::vector<Slot> m_slots;  // A stack: each nested block has its own part.
+  std::vector<Shape> m_shapes;  // By record of the layout.
+  std::vector<Slot> m_slots;    // A stack: each nested block has its own part,
+  std::size_t m_slotsUsed = 0;  // up to here.
 };
 
 }  // namespace bomparser
