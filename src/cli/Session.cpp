@@ -14,6 +14,7 @@ ExitStatus TellFailure(const std::string& input, const std::string& error) {
 Session::Session(SideCopy sideCopy) : m_frontEnd(sideCopy), m_engine(&m_frontEnd) {
   m_engine.SetSideCopy(sideCopy);
   m_engine.GetTemplate()->SetKeepCurrentValues(false);
+  m_engine.GetInputFile()->SetMapping(true);
 }
 
 bool Session::LoadTemplate(const std::string& path) {

@@ -7,32 +7,45 @@
 
 namespace bomparser {
 
-CTNInputText::CTNInputText(GrowArray<char> bytes)
-    : m_bytes(std::move(bytes)), m_size(static_cast<std::uint32_t>(m_bytes.Size())) {
-  std::memset(m_bytes.MakeRoom(kSlack), '\n', kSlack);
-}
+/// Where the bytes are: the one or the other.
+struct CTNInputText::Storage {
+  GrowArray<char> bytes;
+  MappedFile file;
+};
+
+CTNInputText::CTNInputText(std::shared_ptr<const Storage> storage, std::uint32_t size)
+    : m_storage(std::move(storage)),
+      m_file(&m_storage->file),
+      m_data(m_file->IsMapped() ? m_file->Data() : m_storage->bytes.Data()),
+      m_size(size) {}
 
 std::shared_ptr<const CTNInputText> CTNInputText::Adopt(GrowArray<char> bytes) {
-  return std::make_shared<const CTNInputText>(std::move(bytes));
+  std::memset(bytes.MakeRoom(kRoomBehind), '\n', kRoomBehind);
+  const auto size = static_cast<std::uint32_t>(bytes.Size());
+  return std::make_shared<const CTNInputText>(
+      std::make_shared<const Storage>(std::move(bytes), MappedFile()), size);
+}
+
+std::shared_ptr<const CTNInputText> CTNInputText::Adopt(MappedFile file, std::size_t size) {
+  std::memset(file.Data() + size, '\n', kRoomBehind);
+  return std::make_shared<const CTNInputText>(
+      std::make_shared<const Storage>(GrowArray<char>(), std::move(file)),
+      static_cast<std::uint32_t>(size));
 }
 
 std::shared_ptr<const CTNInputText> CTNInputText::Copy(std::string_view text) {
   if (text.size() > kMaxSize) throw std::bad_alloc();
   GrowArray<char> bytes;
-  std::copy(text.begin(), text.end(), bytes.MakeRoom(text.size() + kSlack));
+  std::copy(text.begin(), text.end(), bytes.MakeRoom(text.size() + kRoomBehind));
   bytes.Advance(text.size());
   return Adopt(std::move(bytes));
 }
 
 std::shared_ptr<const CTNInputText> CTNInputText::WithLineFeed(
     const std::shared_ptr<const CTNInputText>& text) {
-  const std::size_t size = std::size_t{text->Size()} + 1;
-  if (size > kMaxSize) throw std::bad_alloc();
-  // The slack begins with a line feed already: the text only has to be one longer.
-  GrowArray<char> bytes;
-  std::memcpy(bytes.MakeRoom(size + kSlack), text->Data(), size);
-  bytes.Advance(size);
-  return Adopt(std::move(bytes));
+  if (text->Size() >= kMaxSize) throw std::bad_alloc();
+  // What stands behind the text begins with a line feed already: it only has to be one longer.
+  return std::make_shared<const CTNInputText>(text->m_storage, text->Size() + 1);
 }
 
 }  // namespace bomparser

@@ -203,6 +203,7 @@ bool CTNParserInFile::ScanOrBringBack(Application& run, bool& done) {
   m_applied = false;
   try {
     done = Scan(run);
+    done = IsTextIntact(run.error) && done;
   } catch (const std::bad_alloc&) {
     run.error = GetMessageText(Msg::NoMemoryForBlock);
   }
@@ -241,6 +242,12 @@ bool CTNParserInFile::Scan(Application& run) {
     return false;
   }
   return m_blocks.IsGivenUp() || TakeTrailingLines(run);
+}
+
+bool CTNParserInFile::IsTextIntact(std::string& error) const {
+  if (m_text.GetText()->IsIntact()) return true;
+  error = FormatMessageText(Msg::InputFileCutShort, GetFilePath());
+  return false;
 }
 
 /// Sets up to `count` lines from the cursor on aside. False when the application ends here:

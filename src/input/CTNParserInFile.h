@@ -43,6 +43,10 @@ class CTNParserInFile final : public CTNTextFile, public CTNParserArrayElement {
                      ShowProgress show, CTNFrontEnd* frontEnd,
                      const ApplicationPurpose& purpose = {});
 
+  /// False with `error` when the file was cut short while its text was used: nothing that was made
+  /// of the text counts then.
+  bool IsTextIntact(std::string& error) const;
+
   /// The file's title up to its first ".".
   std::string GetTitleNoExtension() const;
   /// Back to the state after construction, the file closed.

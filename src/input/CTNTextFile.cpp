@@ -10,24 +10,24 @@ namespace bomparser {
 
 namespace {
 
-/// Turns every CR LF pair into a line feed, in place.
-void FoldLineEnds(GrowArray<char>& bytes) {
-  char* const begin = bytes.Data();
-  char* const end = begin + bytes.Size();
-  if (bytes.Size() == 0) return;
-  auto* from = static_cast<char*>(std::memchr(begin, '\r', bytes.Size()));
-  if (from == nullptr) return;
+/// Turns every CR LF pair of [begin, end) into a line feed, in place. Returns the new end.
+char* FoldLineEnds(char* begin, char* end) {
+  const auto find = [end](char* from) {
+    const auto left = static_cast<std::size_t>(end - from);
+    auto* const found = left == 0 ? nullptr : static_cast<char*>(std::memchr(from, '\r', left));
+    return found != nullptr ? found : end;
+  };
+  char* from = find(begin);
   char* to = from;
   while (from < end) {
     if (*from == '\r' && from + 1 < end && from[1] == '\n') ++from;
     *to++ = *from++;
-    auto* next = static_cast<char*>(std::memchr(from, '\r', static_cast<std::size_t>(end - from)));
-    if (next == nullptr) next = end;
+    char* const next = find(from);
     std::memmove(to, from, static_cast<std::size_t>(next - from));
     to += next - from;
     from = next;
   }
-  bytes.Cut(static_cast<std::size_t>(to - begin));
+  return to;
 }
 
 }  // namespace
@@ -61,13 +61,27 @@ void CTNTextFile::HoldText(bool on) {
 
 std::shared_ptr<const CTNInputText> CTNTextFile::ReadAll(std::string& error) {
   if (m_kept) return m_kept;
-  GrowArray<char> bytes;
-  if (!m_source.ReadAll(bytes, kTooLong - 1, CTNInputText::kSlack + 1, TooLongText(), error)) {
-    return nullptr;
+  std::shared_ptr<const CTNInputText> text = m_mapping ? MapAll() : nullptr;
+  if (!text) {
+    GrowArray<char> bytes;
+    if (!m_source.ReadAll(bytes, kTooLong - 1, CTNInputText::kRoomBehind, TooLongText(), error)) {
+      return nullptr;
+    }
+    const char* const end = FoldLineEnds(bytes.begin(), bytes.end());
+    bytes.Cut(static_cast<std::size_t>(end - bytes.begin()));
+    text = CTNInputText::Adopt(std::move(bytes));
   }
-  FoldLineEnds(bytes);
-  auto text = CTNInputText::Adopt(std::move(bytes));
   if (m_hold || !m_source.CanReadAgain()) m_kept = text;
+  return text;
+}
+
+std::shared_ptr<const CTNInputText> CTNTextFile::MapAll() {
+  MappedFile file;
+  std::size_t size = 0;
+  if (!m_source.Map(file, size, kTooLong - 1, CTNInputText::kRoomBehind)) return nullptr;
+  const char* const end = FoldLineEnds(file.Data(), file.Data() + size);
+  size = static_cast<std::size_t>(end - file.Data());
+  auto text = CTNInputText::Adopt(std::move(file), size);
   return text;
 }
 

@@ -30,15 +30,21 @@ class CTNTextFile {
   std::shared_ptr<const CTNInputText> ReadAll(std::string& error);
   /// While on, the file is not read again: for trying many templates on one text.
   void HoldText(bool on);
+  /// Whether long files are mapped into memory and not read, which is faster. What others write to
+  /// the file meanwhile may show then, so it is for programs that come to an end soon.
+  void SetMapping(bool on) { m_mapping = on; }
 
  protected:
   /// The error of a file that is refused for its length.
   std::string TooLongText() const;
 
  private:
+  std::shared_ptr<const CTNInputText> MapAll();
+
   InputSource m_source;
   std::string m_path;
   bool m_hold = false;
+  bool m_mapping = false;
   std::shared_ptr<const CTNInputText> m_kept;
 };
 

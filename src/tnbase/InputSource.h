@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tnbase/GrowArray.h"
+#include "tnbase/MappedFile.h"
 
 #include <cstdint>
 #include <string>
@@ -32,6 +33,10 @@ class InputSource {
   /// std::bad_alloc.
   bool ReadAll(GrowArray<char>& bytes, std::uint64_t limit, std::size_t slack,
                const std::string& tooLong, std::string& error);
+
+  /// Maps it as it is now, with room for `slack` bytes behind; its length is `size` then. False for
+  /// what cannot be mapped, or has more than `limit` bytes: ReadAll knows why, or reads it.
+  bool Map(MappedFile& file, std::size_t& size, std::uint64_t limit, std::size_t slack);
 
  private:
   bool Fail(int reason, std::string& error) const;

@@ -14,6 +14,7 @@ namespace bomparser {
 namespace {
 
 constexpr std::size_t kFirstPiece = std::size_t{1} << 16;
+constexpr std::uint64_t kWorthMapping = std::uint64_t{1} << 18;
 
 bool StatOf(int handle, struct stat& info) { return handle >= 0 && ::fstat(handle, &info) == 0; }
 
@@ -66,6 +67,16 @@ void InputSource::FollowPath() {
   } else if (fresh >= 0) {
     ::close(fresh);
   }
+}
+
+bool InputSource::Map(MappedFile& file, std::size_t& size, std::uint64_t limit, std::size_t slack) {
+  if (!CanReadAgain()) return false;
+  FollowPath();
+  const std::uint64_t length = GetLength();
+  // A short file is read faster than mapped.
+  if (length < kWorthMapping || length > limit) return false;
+  size = static_cast<std::size_t>(length);
+  return file.Map(m_handle, size, slack);
 }
 
 bool InputSource::ReadAll(GrowArray<char>& bytes, std::uint64_t limit, std::size_t slack,

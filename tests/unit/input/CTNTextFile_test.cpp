@@ -144,5 +144,66 @@ TEST_F(CTNTextFileTest, TheTitleIsTheNameWithoutTheFolder) {
   EXPECT_EQ(file.GetFileTitle(), "board.top.txt");
 }
 
+/// A text that is long enough for being mapped.
+std::string LongText(const std::string& line) {
+  std::string text;
+  while (text.size() < std::size_t{1} << 20)
+    text += line;
+  return text;
+}
+
+class MappedCTNTextFileTest : public CTNTextFileTest {
+ protected:
+  MappedCTNTextFileTest() { file.SetMapping(true); }
+};
+
+TEST_F(MappedCTNTextFileTest, IsTheSameText) {
+  const std::string text = LongText("R1 10k\n") + "open";
+  EXPECT_TRUE(TextOf(text) == text);
+  EXPECT_EQ(TextOf("short"), "short");
+  EXPECT_EQ(TextOf(""), "");
+}
+
+TEST_F(MappedCTNTextFileTest, LineEndsAreFoldedAndTheFileStaysAsItIs) {
+  const std::string bytes = LongText("R1 10k\r\n");
+  std::string folded;
+  for (const char c : bytes) {
+    if (c != '\r') folded += c;
+  }
+  EXPECT_TRUE(TextOf(bytes) == folded);
+  EXPECT_TRUE(BytesOf("in") == bytes);
+}
+
+TEST_F(MappedCTNTextFileTest, BehindItStandLineFeeds) {
+  WriteFile("in", LongText("R1 10k\r\n"));
+  std::string error;
+  ASSERT_TRUE(file.Open(PathOf("in"), error));
+  const auto text = file.ReadAll(error);
+  ASSERT_NE(text, nullptr);
+  EXPECT_EQ(std::string(text->Data() + text->Size(), CTNInputText::kSlack),
+            std::string(CTNInputText::kSlack, '\n'));
+  EXPECT_TRUE(text->IsIntact());
+}
+
+TEST_F(MappedCTNTextFileTest, EveryReadingSeesTheFileAsItIsThen) {
+  const std::string first = LongText("first\n");
+  EXPECT_TRUE(TextOf(first) == first);
+  const std::string second = LongText("second\n");
+  WriteFile("other", second);
+  std::filesystem::rename(PathOf("other"), PathOf("in"));
+  EXPECT_TRUE(Read(file) == second);
+}
+
+TEST_F(MappedCTNTextFileTest, AFileThatIsCutShortIsNotIntact) {
+  WriteFile("in", LongText("R1 10k\n"));
+  std::string error;
+  ASSERT_TRUE(file.Open(PathOf("in"), error));
+  const auto text = file.ReadAll(error);
+  ASSERT_NE(text, nullptr);
+  std::filesystem::resize_file(PathOf("in"), 10);
+  EXPECT_EQ(text->Data()[text->Size() - 1], '\n');
+  EXPECT_FALSE(text->IsIntact());
+}
+
 }  // namespace
 }  // namespace bomparser
