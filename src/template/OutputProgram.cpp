@@ -21,7 +21,6 @@ namespace {
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
 /// Of all constant texts together.
 constexpr std::size_t kMostTexts = std::size_t{1} << 31;
-constexpr std::uint32_t kNothing = 0xFFFFFFFF;  // The length of an absent field.
 /// Text is handed on in pieces of this size: large enough for the system, small enough for the
 /// processor's cache.
 constexpr std::size_t kPiece = std::size_t{256} << 10;
@@ -194,13 +193,10 @@ OutputProgram::OutputProgram(const CTNParsedResult& result)
   compiler.CompileWanted();
   m_texts.append(kShort, ' ');
   for (const ParsedRecordLayout& record : layout.Records()) {
-    Shape shape;
-    for (const ParsedFieldLayout& field : record.fields) {
-      const bool nests = field.kind == FieldKind::SubRecord;
-      shape.nests = shape.nests || nests;
-      shape.subRecords.push_back(nests ? field.subRecord : kNone);
-    }
-    m_shapes.push_back(std::move(shape));
+    SubRecords& subRecords = m_subRecords.emplace_back();
+    // A field that names no record matches nothing: its mark reads as a text of no length.
+    for (const ParsedFieldLayout& field : record.fields)
+      subRecords.push_back(field.kind == FieldKind::SubRecord ? field.subRecord : kNone);
   }
 }
 
@@ -280,98 +276,129 @@ bool OutputProgram::Write(std::string_view before, std::string_view after, const
   for (std::size_t i = 0; i < m_result.GetBlockCount() && out.IsGoing(); ++i) {
     const ParsedBlockEntry& block = m_result.GetEntry(i);
     if (block.record == CTNParsedLayout::kNoRecord || m_entities[block.record] == kNone) continue;
-    const std::uint8_t* from = m_result.ElementBytes() + block.elements;
-    std::uint32_t text = block.text;
-    Run(m_entities[block.record], from, text, out);
+    WriteBlock(m_entities[block.record], {m_result.ElementBytes() + block.elements, block.text},
+               out);
   }
   out.Add(after);
   return out.Flush();
 }
 
-/// Moves `from` and `text` behind the elements of one block.
-inline void OutputProgram::Skip(const Shape& shape, const std::uint8_t*& from,
-                                std::uint32_t& text) const {
-  for (const std::uint32_t sub : shape.subRecords) {
-    if (sub == kNone) {
-      text += element_code::TakeLength(from).value_or(0);
-      continue;
+/// Moves behind the element of one field that is no sub-record. Returns its length, 0 for an absent
+/// one.
+inline std::uint32_t OutputProgram::TakeField(Reading& at) {
+  const std::uint8_t code = *at.elements;
+  if (code == element_code::kLong) {
+    const std::uint32_t length = element_code::TakeLength(at.elements).value_or(0);
+    at.text += length;
+    return length;
+  }
+  const std::uint32_t length = code == element_code::kAbsent ? 0 : code;
+  ++at.elements;
+  at.text += length;
+  return length;
+}
+
+/// Moves behind the elements of the instances of a sub-record.
+void OutputProgram::SkipInstances(std::uint32_t record, Reading& at) const {
+  const SubRecords& subRecords = m_subRecords[record];
+  while (*at.elements++ == element_code::kInstance) {
+    for (const std::uint32_t sub : subRecords) {
+      if (sub == kNone) {
+        TakeField(at);
+      } else {
+        SkipInstances(sub, at);
+      }
     }
-    while (*from++ == element_code::kInstance)
-      Skip(m_shapes[sub], from, text);
   }
 }
 
-/// Notes in the slots where the fields of the block at hand are, as Skip moves on.
-inline void OutputProgram::FindFields(const Shape& shape, std::size_t slots,
-                                      const std::uint8_t*& from, std::uint32_t& text) {
-  Slot* slot = m_slots.data() + slots;
-  for (const std::uint32_t sub : shape.subRecords) {
-    slot->text = text;
+/// Notes where the fields of one block are, and moves behind its elements.
+inline void OutputProgram::FindFields(const SubRecords& subRecords, Slot* slot, Reading& at) const {
+  for (const std::uint32_t sub : subRecords) {
+    slot->text = at.text;
     if (sub == kNone) {
-      const auto length = element_code::TakeLength(from);
-      slot->length = length.value_or(kNothing);
-      text += length.value_or(0);
+      slot->length = TakeField(at);
     } else {
-      slot->elements = static_cast<std::uint32_t>(from - m_result.ElementBytes());
-      while (*from++ == element_code::kInstance)
-        Skip(m_shapes[sub], from, text);
+      slot->elements = static_cast<std::uint32_t>(at.elements - m_result.ElementBytes());
+      SkipInstances(sub, at);
     }
     ++slot;
   }
 }
 
-void OutputProgram::Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text,
-                        Output& out) {
-  const Program& program = m_programs[index];
-  const Shape& shape = ShapeOf(program);
-  const std::size_t slots = m_slotsUsed;
-  m_slotsUsed += shape.subRecords.size();
+std::size_t OutputProgram::TakeSlots(std::size_t count) {
+  const std::size_t first = m_slotsUsed;
+  m_slotsUsed += count;
   if (m_slots.size() < m_slotsUsed) m_slots.resize(2 * m_slotsUsed);
-  FindFields(shape, slots, from, text);
-  const auto slotOf = [this, slots](const Op& op) { return m_slots[slots + op.field]; };
-  const char* const input = m_result.GetText()->Data();
-  const char* const texts = m_texts.data();
-  char* place = out.Place();
-  for (const Op& op : program.ops) {
-    place = out.AddAt(place, texts + op.text, op.size);
-    if (op.kind == OpKind::Field) {
-      const Slot slot = slotOf(op);
-      if (slot.length != kNothing) place = out.AddAt(place, input + slot.text, slot.length);
-      continue;
-    }
-    out.SetPlace(place);
-    switch (op.kind) {
-      case OpKind::Lines:
-        WriteLines(slotOf(op), out);
-        break;
-      case OpKind::SubRecords:
-        RunInstances(op.program, slotOf(op), out);
-        break;
-      case OpKind::Mark:
-        out.Mark();
-        break;
-      case OpKind::Space:
-        out.EndValue();
-        break;
-      case OpKind::Field:
-      case OpKind::End:
-        break;
-    }
-    place = out.Place();
-  }
+  return first;
+}
+
+void OutputProgram::WriteBlock(std::uint32_t index, Reading at, Output& out) {
+  const Program& program = m_programs[index];
+  const SubRecords& subRecords = m_subRecords[program.record];
+  const std::size_t slots = TakeSlots(subRecords.size());
+  FindFields(subRecords, m_slots.data() + slots, at);
+  out.SetPlace(Run(program, slots, out.Place(), out));
   m_slotsUsed = slots;
 }
 
-void OutputProgram::RunInstances(std::uint32_t program, Slot slot, Output& out) {
-  const std::uint8_t* from = m_result.ElementBytes() + slot.elements;
-  std::uint32_t text = slot.text;
-  while (*from++ == element_code::kInstance)
-    Run(program, from, text, out);
+void OutputProgram::WriteInstances(std::uint32_t index, const Slot& first, Output& out) {
+  const Program& program = m_programs[index];
+  const SubRecords& subRecords = m_subRecords[program.record];
+  Reading at{m_result.ElementBytes() + first.elements, first.text};
+  const std::size_t slots = TakeSlots(subRecords.size());
+  char* place = out.Place();
+  while (*at.elements++ == element_code::kInstance) {
+    FindFields(subRecords, m_slots.data() + slots, at);
+    place = Run(program, slots, place, out);
+  }
+  out.SetPlace(place);
+  m_slotsUsed = slots;
+}
+
+/// Writes the text of one block, whose fields are in the slots, at the place, which moves on.
+inline char* OutputProgram::Run(const Program& program, std::size_t slots, char* place,
+                                Output& out) {
+  const char* const input = m_result.GetText()->Data();
+  const char* const texts = m_texts.data();
+  const Slot* slot = m_slots.data() + slots;
+  for (const Op& op : program.ops) {
+    place = out.AddAt(place, texts + op.text, op.size);
+    if (op.kind == OpKind::Field) {
+      const Slot& field = slot[op.field];
+      place = out.AddAt(place, input + field.text, field.length);
+    } else if (op.kind != OpKind::End) {
+      out.SetPlace(place);
+      RunSlowly(op, slot, out);
+      place = out.Place();
+      slot = m_slots.data() + slots;
+    }
+  }
+  return place;
+}
+
+void OutputProgram::RunSlowly(const Op& op, const Slot* slots, Output& out) {
+  switch (op.kind) {
+    case OpKind::Lines:
+      WriteLines(slots[op.field], out);
+      break;
+    case OpKind::SubRecords:
+      WriteInstances(op.program, slots[op.field], out);
+      break;
+    case OpKind::Mark:
+      out.Mark();
+      break;
+    case OpKind::Space:
+      out.EndValue();
+      break;
+    case OpKind::Field:
+    case OpKind::End:
+      break;
+  }
 }
 
 /// Writes what a scan matched. One over line ends gives its lines joined, as its elements are.
-void OutputProgram::WriteLines(Slot slot, Output& out) const {
-  if (slot.length == kNothing) return;
+void OutputProgram::WriteLines(const Slot& slot, Output& out) const {
   const char* from = m_result.GetText()->Data() + slot.text;
   const char* const last = from + slot.length;
   const char* end = FindChar(from, last, '\n');

@@ -48,37 +48,41 @@ class OutputProgram {
     std::uint32_t record;
     std::vector<Op> ops;
   };
-  /// What of a record's fields matters for finding their texts.
-  struct Shape {
-    bool nests = false;                     // It has SUBRECORD fields.
-    std::vector<std::uint32_t> subRecords;  // By field: the record that it names, or kNone.
+  /// By field of a record: the record that it names, or kNone.
+  using SubRecords = std::vector<std::uint32_t>;
+  /// How far the elements of a block are read, and where the text of the next one starts.
+  struct Reading {
+    const std::uint8_t* elements;
+    std::uint32_t text;
   };
   /// Where a field's text, or the elements of its instances, are in the block at hand.
   struct Slot {
     std::uint32_t text;
     union {
-      std::uint32_t length;    // kNothing for an absent field.
+      std::uint32_t length;    // 0 for an absent field.
       std::uint32_t elements;  // Of a SUBRECORD field.
     };
   };
   class Compiler;
   class Output;
 
-  const Shape& ShapeOf(const Program& program) const { return m_shapes[program.record]; }
-  void Run(std::uint32_t index, const std::uint8_t*& from, std::uint32_t& text, Output& out);
-  void RunInstances(std::uint32_t program, Slot slot, Output& out);
-  void FindFields(const Shape& shape, std::size_t slots, const std::uint8_t*& from,
-                  std::uint32_t& text);
-  void Skip(const Shape& shape, const std::uint8_t*& from, std::uint32_t& text) const;
-  void WriteLines(Slot slot, Output& out) const;
+  static std::uint32_t TakeField(Reading& at);
+  void SkipInstances(std::uint32_t record, Reading& at) const;
+  void FindFields(const SubRecords& subRecords, Slot* slot, Reading& at) const;
+  std::size_t TakeSlots(std::size_t count);
+  void WriteBlock(std::uint32_t index, Reading at, Output& out);
+  void WriteInstances(std::uint32_t index, const Slot& first, Output& out);
+  char* Run(const Program& program, std::size_t slots, char* place, Output& out);
+  void RunSlowly(const Op& op, const Slot* slots, Output& out);
+  void WriteLines(const Slot& slot, Output& out) const;
 
   const CTNParsedResult& m_result;
   std::vector<std::uint32_t> m_entities;  // By record of the layout: its program, or kNone.
   std::vector<Program> m_programs;
   std::string m_texts;
-  std::vector<Shape> m_shapes;  // By record of the layout.
-  std::vector<Slot> m_slots;    // A stack: each nested block has its own part,
-  std::size_t m_slotsUsed = 0;  // up to here.
+  std::vector<SubRecords> m_subRecords;  // By record of the layout.
+  std::vector<Slot> m_slots;             // A stack: each nested block has its own part,
+  std::size_t m_slotsUsed = 0;           // up to here.
 };
 
 }  // namespace bomparser
