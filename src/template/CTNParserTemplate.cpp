@@ -3,6 +3,7 @@
 #include "input/MessageTexts.h"
 #include "template/BlockScan.h"
 #include "template/CTNIdentifierKeeper.h"
+#include "template/GuardedEdit.h"
 #include "template/Identifiers.h"
 #include "tnbase/CharClass.h"
 #include "tnbase/NumberText.h"
@@ -76,17 +77,6 @@ void CTNParserTemplate::Renumber(RecordList& list, std::size_t from) {
     list[i]->m_position = i;
 }
 
-/// Runs an edit. Where memory runs out the error log says so, and the answer is null or false.
-template <class Edit>
-auto CTNParserTemplate::Guard(Edit edit) -> decltype(edit()) {
-  try {
-    return edit();
-  } catch (const std::bad_alloc&) {
-    ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
-    return {};
-  }
-}
-
 CTNTemplateRecord* CTNParserTemplate::Append(std::unique_ptr<CTNTemplateRecord> record) {
   RecordList& list = ListOf(record->GetType());
   list.push_back(std::move(record));
@@ -139,7 +129,7 @@ std::unique_ptr<CTNTemplateRecord> CTNParserTemplate::TakeFrom(RecordList& list,
 
 CTNTemplateRecord* CTNParserTemplate::AddRecord(RecordKind kind, std::string_view description,
                                                 const CTNTemplateRecord* before) {
-  return Guard([&] {
+  return GuardEdit(this, [&] {
     auto record = std::make_unique<CTNTemplateRecord>(this);
     record->SetType(kind);
     record->SetDescription(description);
@@ -148,7 +138,7 @@ CTNTemplateRecord* CTNParserTemplate::AddRecord(RecordKind kind, std::string_vie
 }
 
 CTNTemplateRecord* CTNParserTemplate::AddRecordCopy(const CTNTemplateRecord& record) {
-  return Guard([&] {
+  return GuardEdit(this, [&] {
     auto copy = std::make_unique<CTNTemplateRecord>(this);
     copy->Copy(record);
     const bool whole = copy->GetInputFields().size() == record.GetInputFields().size() &&
@@ -209,7 +199,7 @@ void CTNParserTemplate::UnlinkRecord(const CTNTemplateRecord* gone) {
 
 bool CTNParserTemplate::DeleteRecord(const CTNTemplateRecord* record) {
   if (!Holds(record)) return false;
-  return Guard([&] {
+  return GuardEdit(this, [&] {
     RecordList& list = ListOf(record->GetType());
     CTNIdentifierKeeper keeper(*this);
     const std::size_t place = record->m_position;
@@ -238,7 +228,7 @@ bool CTNParserTemplate::MoveRecord(const CTNTemplateRecord* record,
                                    const CTNTemplateRecord* before) {
   if (!Holds(record)) return false;
   if (record == before) return true;
-  return Guard([&] {
+  return GuardEdit(this, [&] {
     RecordList& list = ListOf(record->GetType());
     CTNIdentifierKeeper keeper(*this);
     const std::size_t from = record->m_position;
@@ -353,7 +343,8 @@ int CTNParserTemplate::OnBeginNode(XmlNode node, bool& handled) {
   const int status = record->Walk(node);
   if (status < 0) return status;
   record->FixUpAfterLoad();
-  return Guard([&] { return Append(std::move(record)); }) != nullptr ? kXmlOk : kXmlOutOfMemory;
+  return GuardEdit(this, [&] { return Append(std::move(record)); }) != nullptr ? kXmlOk
+                                                                               : kXmlOutOfMemory;
 }
 
 bool CTNParserTemplate::OnNode(XmlNode node, const XmlBindingTable& bindings) {

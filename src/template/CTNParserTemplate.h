@@ -151,8 +151,6 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   RecordList& ListOf(RecordKind kind);
   const RecordList& ListOf(RecordKind kind) const;
   bool IsAt(const RecordList& list, const CTNTemplateRecord* record) const;
-  template <class Edit>
-  auto Guard(Edit edit) -> decltype(edit());
   CTNTemplateRecord* Append(std::unique_ptr<CTNTemplateRecord> record);
   CTNTemplateRecord* Insert(std::unique_ptr<CTNTemplateRecord> record,
                             const CTNTemplateRecord* before);

@@ -4,6 +4,7 @@
 #include "input/MessageTexts.h"
 #include "template/CTNIdentifierKeeper.h"
 #include "template/CTNParserTemplate.h"
+#include "template/GuardedEdit.h"
 #include "template/Identifiers.h"
 #include "template/RecordsToAsk.h"
 #include "template/TagSearch.h"
@@ -147,22 +148,9 @@ void CTNTemplateRecord::InitCatchAll() {
 
 // ------------------------------------------------------------------------------- fields
 
-/// Runs an edit. Where memory runs out the error log says so, and the answer is null or false.
-template <class Edit>
-auto CTNTemplateRecord::Guard(Edit edit) const -> decltype(edit()) {
-  try {
-    return edit();
-  } catch (const std::bad_alloc&) {
-    if (m_template != nullptr) {
-      m_template->ReportError(XmlStatusText(kXmlOutOfMemory), ErrorShown::Later);
-    }
-    return {};
-  }
-}
-
 CTNTemplRecInField* CTNTemplateRecord::AddInputField(FieldKind kind, bool required,
                                                      const CTNTemplRecInField* before) {
-  return Guard([=, this] {
+  return GuardEdit(m_template, [=, this] {
     auto field = std::make_unique<CTNTemplRecInField>(this);
     field->SetType(kind);
     field->SetRequired(required);
@@ -174,15 +162,16 @@ CTNTemplRecInField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecIn
                                                    const CTNTemplRecInField* before) {
   if (!field) return nullptr;
   field->SetParentRecord(this);
-  return Guard([&] { return Insert(*this, m_inputFields, std::move(field), before); });
+  return GuardEdit(m_template,
+                   [&] { return Insert(*this, m_inputFields, std::move(field), before); });
 }
 
 CTNTemplRecOutField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecOutField> field,
                                                     const CTNTemplRecOutField* before) {
   if (!field) return nullptr;
   field->SetParentRecord(this);
-  CTNTemplRecOutField* const inserted =
-      Guard([&] { return Insert(*this, m_outputFields, std::move(field), before); });
+  CTNTemplRecOutField* const inserted = GuardEdit(
+      m_template, [&] { return Insert(*this, m_outputFields, std::move(field), before); });
   // Whatever its expression meant elsewhere, here it means this record's fields.
   std::string ignored;
   if (inserted != nullptr) inserted->ParseExpression(ignored);
@@ -191,14 +180,14 @@ CTNTemplRecOutField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecO
 
 std::unique_ptr<CTNTemplRecInField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecInField* field) {
-  auto taken = Guard([=, this] { return Remove(*this, m_inputFields, field); });
+  auto taken = GuardEdit(m_template, [=, this] { return Remove(*this, m_inputFields, field); });
   if (taken) ForgetSingleMatches();
   return taken;
 }
 
 std::unique_ptr<CTNTemplRecOutField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecOutField* field) {
-  auto taken = Guard([=, this] { return Remove(*this, m_outputFields, field); });
+  auto taken = GuardEdit(m_template, [=, this] { return Remove(*this, m_outputFields, field); });
   // On its own it means nothing: its items must not outlive the fields that they name.
   std::string ignored;
   if (taken) taken->ParseExpression(ignored);
@@ -207,16 +196,16 @@ std::unique_ptr<CTNTemplRecOutField> CTNTemplateRecord::RemoveField(
 
 bool CTNTemplateRecord::MoveField(const CTNTemplRecInField* field,
                                   const CTNTemplRecInField* before) {
-  return Guard([=, this] { return Move(*this, m_inputFields, field, before); });
+  return GuardEdit(m_template, [=, this] { return Move(*this, m_inputFields, field, before); });
 }
 
 bool CTNTemplateRecord::MoveField(const CTNTemplRecOutField* field,
                                   const CTNTemplRecOutField* before) {
-  return Guard([=, this] { return Move(*this, m_outputFields, field, before); });
+  return GuardEdit(m_template, [=, this] { return Move(*this, m_outputFields, field, before); });
 }
 
 CTNTemplRecInField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecInField& field) {
-  return Guard([&] {
+  return GuardEdit(m_template, [&] {
     auto copy = std::make_unique<CTNTemplRecInField>(this);
     copy->CopyFrom(field);
     return InsertField(std::move(copy));
@@ -224,7 +213,7 @@ CTNTemplRecInField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecInFiel
 }
 
 CTNTemplRecOutField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecOutField& field) {
-  return Guard([&] {
+  return GuardEdit(m_template, [&] {
     auto copy = std::make_unique<CTNTemplRecOutField>(this);
     copy->CopyFrom(field);
     return InsertField(std::move(copy));
@@ -241,7 +230,7 @@ void CTNTemplateRecord::ForgetSingleMatches() {
 void CTNTemplateRecord::ClearFields() {
   if (m_inputFields.empty() && m_outputFields.empty()) return;
   ForgetSingleMatches();
-  Guard([this] {
+  GuardEdit(m_template, [this] {
     CTNIdentifierKeeper keeper(*this);
     // Until nothing names them any more, the fields are only set aside.
     auto inputs = std::exchange(m_inputFields, {});
@@ -346,7 +335,7 @@ bool CTNTemplateRecord::CreateRequiredOutputSet() {
     return std::any_of(m_outputFields.begin(), m_outputFields.end(),
                        [tag](const auto& element) { return element->GetTag() == tag; });
   };
-  return Guard([this, isPresent] {
+  return GuardEdit(m_template, [this, isPresent] {
     for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
       const auto tag = static_cast<OutputTag>(code);
       if (!IsRequiredTag(tag) || isPresent(tag)) continue;

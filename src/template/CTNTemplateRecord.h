@@ -185,8 +185,6 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   bool ValidateLineEnd(std::string& error) const;
   bool ValidateType(std::string& error) const;
   bool FinishMatch(CTNParsedFileBlock* block);
-  template <class Edit>
-  auto Guard(Edit edit) const -> decltype(edit());
 
   CTNParserTemplate* m_template;  // Not owned.
   CTNTemplRecInField m_lineFeedField;

@@ -47,6 +47,20 @@ void ExpectNew(CTNParserTemplate& document) {
 
 class ParserTemplateTest : public testing::Test {
  protected:
+  /// Gives the document whatever a new one does not have.
+  void FillAndChange() {
+    AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()});
+    AddRecord(document, RecordKind::SingleMatch, "title", {Alnum(), Newline()});
+    document.SetTitle("title");
+    document.SetFilePath("/path");
+    document.SetUnits(2);
+    document.SetScaleFactor(2.5);
+    document.SetBeginRow(3);
+    document.SetEndAfterRow(-4);
+    document.SetModified(ChangeKind::Modified);
+    document.GetErrorLog().AddMessage("error");
+  }
+
   FakeContext context;
   CTNParserTemplate document{&context};
 };
@@ -54,16 +68,7 @@ class ParserTemplateTest : public testing::Test {
 TEST_F(ParserTemplateTest, ANewTemplateIsEmptyUntitledAndUnsaved) { ExpectNew(document); }
 
 TEST_F(ParserTemplateTest, InitBringsANewTemplateBack) {
-  AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()});
-  AddRecord(document, RecordKind::SingleMatch, "title", {Alnum(), Newline()});
-  document.SetTitle("title");
-  document.SetFilePath("/path");
-  document.SetUnits(2);
-  document.SetScaleFactor(2.5);
-  document.SetBeginRow(3);
-  document.SetEndAfterRow(-4);
-  document.SetModified(ChangeKind::Modified);
-  document.GetErrorLog().AddMessage("error");
+  FillAndChange();
   EXPECT_NE(document.Init(), 0);
   ExpectNew(document);
 }
@@ -428,15 +433,7 @@ TEST_F(ParserTemplateTest, AResetGivesTheErrorLogItsNameBack) {
 }
 
 TEST_F(ParserTemplateTest, WhoDropsTheContentKeepsTheErrorLog) {
-  AddRecord(document, RecordKind::Part, "part", {Alnum(), Newline()});
-  document.SetTitle("title");
-  document.SetFilePath("/path");
-  document.SetUnits(2);
-  document.SetScaleFactor(2.5);
-  document.SetBeginRow(3);
-  document.SetEndAfterRow(-4);
-  document.SetModified(ChangeKind::Modified);
-  document.GetErrorLog().AddMessage("error");
+  FillAndChange();
   document.DropContent();
   EXPECT_EQ(document.GetErrorLog().GetAllLines(), Texts{"error"});
   document.GetErrorLog().GetErrors().clear();
