@@ -1,14 +1,21 @@
-// What users wait for: a whole run, the entity list, Find Template, the rows of a view.
+// What users wait for: a whole run, an edit, the entity list, Find Template, the rows of a view.
 
 #include "bench/Inputs.h"
 #include "bench/TemporaryFiles.h"
 #include "entry/CTNFileParserEngine.h"
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <fmt/format.h>
+#include <fstream>
+#include <memory>
+#include <ratio>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace bomparser::bench {
 namespace {
@@ -92,6 +99,169 @@ BENCHMARK_CAPTURE(Run, longLine, PlacementTemplate, MakeLongLine)
 BENCHMARK_CAPTURE(Run, emptyLines, PlacementTemplate, MakeEmptyLines)
     ->Arg(1'000'000)
     ->Unit(benchmark::kMillisecond);
+
+/// Whether the event loop comes to rest between two edits.
+enum class Between { Nothing, Idle };
+
+/// An application again after an edit, and beside it matching alone: a text that is in memory,
+/// through the compiled template, to blocks and elements.
+class Reapplication {
+ public:
+  bool Open(TemplateMaker makeTemplate, Maker makeInput, std::int64_t inputSize) {
+    if (!m_setting.Open(makeTemplate, makeInput, inputSize)) return false;
+    m_engine.SetSideCopy(SideCopy::Yes);
+    m_engine.GetTemplate()->SetKeepCurrentValues(true);
+    m_document.SetKeepCurrentValues(false);
+    if (m_document.LoadFromXml(makeTemplate()) != kXmlOk || !m_setting.Apply()) return false;
+    m_text = CTNInputText::Copy(m_engine.GetInputFile()->GetText().GetText()->View());
+    return true;
+  }
+
+  /// Both give seconds.
+  double Edit() {
+    const auto start = Clock::now();
+    m_engine.OnTemplateChanged(ChangeKind::Modified, kRecordsModified);
+    return Since(start);
+  }
+  double MatchAlone() {
+    m_blocks.RemoveAll();
+    CTNStringCharBuffIter cursor(m_text);
+    std::string error;
+    bool cancelled = false;
+    const auto start = Clock::now();
+    m_document.BeginApplication(m_text, m_blocks, ResultUse::Kept);
+    m_document.ParseFile(cursor, m_blocks, error, cancelled);
+    m_document.EndApplication(m_blocks);
+    return Since(start);
+  }
+
+  bool AreBothDone() {
+    const std::size_t blocks = m_setting.GetBlocks().GetSize();
+    return !m_engine.AreResultsStale() && blocks > 0 && blocks == m_blocks.GetSize();
+  }
+  CTNFileParserEngine& GetEngine() { return m_engine; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  static double Since(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+  }
+
+  Setting m_setting;
+  CTNFileParserEngine& m_engine = m_setting.GetEngine();
+  CTNParserTemplate m_document{nullptr};
+  std::shared_ptr<const CTNInputText> m_text;
+  CTNParsedBlockPtrArray m_blocks{nullptr};
+};
+
+double MedianOf(std::vector<double>& values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+/// What an edit makes the user wait for, and how many times that is of matching alone, in medians.
+/// They are measured in turn and in changing order, so that whatever else the machine does meets
+/// both.
+void Reapply(benchmark::State& state, TemplateMaker makeTemplate, Maker makeInput,
+             Between between) {
+  Reapplication again;
+  if (!again.Open(makeTemplate, makeInput, state.range(0))) {
+    state.SkipWithError("the template cannot be applied");
+    return;
+  }
+  std::vector<double> edits;
+  std::vector<double> alone;
+  bool editFirst = false;
+  for (auto _ : state) {
+    editFirst = !editFirst;
+    if (!editFirst) alone.push_back(again.MatchAlone());
+    edits.push_back(again.Edit());
+    if (editFirst) alone.push_back(again.MatchAlone());
+    state.SetIterationTime(edits.back());
+    if (!again.AreBothDone()) {
+      state.SkipWithError("the template is not applied again");
+      return;
+    }
+    if (between == Between::Idle) again.GetEngine().WriteOwedSideCopy();
+  }
+  state.counters["lines"] = again.GetEngine().GetInputFile()->CountLines();
+  state.counters["ms_alone"] = MedianOf(alone) * std::milli::den;
+  state.counters["over_matching_alone"] = MedianOf(edits) / MedianOf(alone);
+}
+BENCHMARK_CAPTURE(Reapply, placement, PlacementTemplate, MakePlacementList, Between::Nothing)
+    ->Arg(kLarge)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Reapply, placementIdle, PlacementTemplate, MakePlacementList, Between::Idle)
+    ->Arg(kLarge)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Reapply, bom, BillOfMaterialsTemplate, MakeBillOfMaterials, Between::Nothing)
+    ->Arg(kLarge)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Reapply, bomIdle, BillOfMaterialsTemplate, MakeBillOfMaterials, Between::Idle)
+    ->Arg(kLarge)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// The most memory that this process has held since ForgetPeak, in KiB; 0 where the system does not
+/// tell.
+std::int64_t PeakMemory() {
+  constexpr std::string_view kName = "VmHWM:";
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(kName)) return std::stoll(line.substr(kName.size()));
+  }
+  return 0;
+}
+void ForgetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
+
+/// An engine that works all day: 1,000 applications, mostly after edits; every tenth time another
+/// input and its template. What they leave in memory: the peak of the first tenth, and how much
+/// higher that of the whole is.
+void ThousandApplications(benchmark::State& state) {
+  constexpr int kApplications = 1'000;
+  constexpr int kOfOneInput = 10;
+  TemporaryFiles files;
+  struct Work {
+    std::string templatePath;
+    std::string inputPath;
+  };
+  const std::vector<Work> works{
+      {files.Write("placement.xml", PlacementTemplate()),
+       files.Write("placement.txt", MakePlacementList(kSmall))},
+      {files.Write("bom.xml", BillOfMaterialsTemplate()),
+       files.Write("bom.txt", MakeBillOfMaterials(kSmall))},
+  };
+  for (auto _ : state) {
+    CTNFileParserEngine engine;
+    ForgetPeak();
+    std::int64_t early = 0;
+    for (int i = 0; i < kApplications; ++i) {
+      if (i % kOfOneInput == 0) {
+        const Work& work = works[static_cast<std::size_t>(i / kOfOneInput) % works.size()];
+        std::string error;
+        bool cancelled = false;
+        if (!engine.LoadTemplate(work.templatePath) ||
+            !engine.OpenInputFile(work.inputPath, error) ||
+            !engine.ApplyTemplate(error, cancelled, ShowProgress::No)) {
+          state.SkipWithError("the template cannot be applied");
+          return;
+        }
+      } else {
+        engine.OnTemplateChanged(ChangeKind::Modified, kRecordsModified);
+        if (i % 2 == 0) engine.WriteOwedSideCopy();
+      }
+      if (i == kApplications / kOfOneInput) early = PeakMemory();
+    }
+    state.counters["peak_kib"] = static_cast<double>(early);
+    state.counters["growth_kib"] = static_cast<double>(PeakMemory() - early);
+  }
+  state.SetItemsProcessed(state.iterations() * kApplications);
+}
+BENCHMARK(ThousandApplications)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 /// In bytes of the list, which is several times as long as the input.
 void WriteEntityList(benchmark::State& state, TemplateMaker makeTemplate, Maker makeInput) {

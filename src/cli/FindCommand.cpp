@@ -48,6 +48,7 @@ ExitStatus Search(Session& session, const std::string& input) {
   session.TellAtOnce(true);
   const bool found = engine.FindTemplate(error, cancelled, ShowProgress::Yes);
   session.TellAtOnce(false);
+  session.WriteSideCopy();
   if (IsInterrupted()) return ExitStatus::Interrupted;
   if (!found) {
     PrintLine(error.empty() ? GetMessageText(Msg::UnspecifiedFindError) : error);

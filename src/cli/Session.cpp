@@ -31,10 +31,15 @@ ExitStatus Session::Apply(const std::string& input) {
   bool cancelled = false;
   const bool applied = m_engine.OpenInputFile(input, error) &&
                        m_engine.ApplyTemplate(error, cancelled, ShowProgress::Yes);
+  WriteSideCopy();
   if (applied && !IsInterrupted()) return ExitStatus::Done;
   // The error may only say that it failed, and the log why.
   if (!IsInterrupted()) PrintErrorLog(m_engine, told, error);
   return TellFailure(input, error);
+}
+
+void Session::WriteSideCopy() {
+  m_engine.WriteOwedSideCopy([] { return !IsInterrupted(); });
 }
 
 ExitStatus Session::WriteEntityList(const std::string& input, const std::string& path) {

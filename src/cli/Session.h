@@ -19,8 +19,11 @@ class Session {
   void TellAtOnce(bool tell) { m_frontEnd.TellAtOnce(tell); }
   /// False when the template does not load; the error log is printed then.
   bool LoadTemplate(const std::string& path);
-  /// Opens the input, "-" for standard input, and applies the current template to it.
+  /// Opens the input, "-" for standard input, and applies the current template to it; writes the
+  /// side copy.
   ExitStatus Apply(const std::string& input);
+  /// Writes the side copy if one is owed, up to an interruption.
+  void WriteSideCopy();
   /// Writes the entity list of the current results, "-" for standard output.
   ExitStatus WriteEntityList(const std::string& input, const std::string& path);
 

@@ -9,6 +9,12 @@
 
 namespace bomparser {
 
+/// A side copy that is still to be written. It holds the results that it is about.
+struct CTNFileParserEngine::OwedCopy {
+  std::string name;
+  EntityListWriter list;
+};
+
 CTNFileParserEngine::CTNFileParserEngine(CTNFrontEnd* frontEnd) : m_frontEnd(frontEnd) {
   try {
     m_template = std::make_unique<CTNParserTemplate>(this);
@@ -61,6 +67,7 @@ bool CTNFileParserEngine::CloseInputFile() {
 
 void CTNFileParserEngine::ForgetResults() {
   if (!m_valid) return;
+  WriteOwedSideCopy();
   m_template->ForgetSingleMatches();
   m_inputFile->CloseAndReset();
 }
@@ -151,29 +158,51 @@ bool CTNFileParserEngine::Apply(std::string& error, bool& cancelled, ShowProgres
 bool CTNFileParserEngine::ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show) {
   const auto apply = [&] { return Apply(error, cancelled, show, ResultUse::Kept); };
   if (!m_valid || !Guard(error, apply)) return false;
-  if (m_sideCopy == SideCopy::Yes) WriteSideCopy();
+  if (m_sideCopy == SideCopy::Yes) OweSideCopy();
   return true;
 }
 
-void CTNFileParserEngine::WriteSideCopy() {
-  // Whether it could be written is of no consequence: the page that shows it says so.
-  std::string error;
-  Guard(error, [&] {
-    std::string path;
-    AtomicFile file;
-    const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
-    return GetSideCopyPath(path, error) &&
-           file.Open(path, AtomicFile::Durability::Renamed, error) &&
-           WriteEntityList(write, error) && file.Commit(error);
+std::string CTNFileParserEngine::SideCopyName() const {
+  return m_inputFile->GetTitleNoExtension() + GetMessageText(Msg::XmlExtensionWithDot);
+}
+
+void CTNFileParserEngine::OweSideCopy() {
+  std::string nobodyToTell;
+  Guard(nobodyToTell, [this] {
+    OwedCopy owed{SideCopyName(), EntityListWriter(m_inputFile->GetBlocks().GetResult(), false)};
+    // The new copy takes the place of an older one of the same name only.
+    if (m_owedCopy && m_owedCopy->name != owed.name) WriteOwedSideCopy();
+    m_owedCopy = std::make_unique<OwedCopy>(std::move(owed));
+    return true;
   });
 }
 
+void CTNFileParserEngine::WriteOwedSideCopy(const std::function<bool()>& mayGoOn) {
+  if (!m_owedCopy) return;
+  bool putOff = false;
+  std::string nobodyToTell;
+  Guard(nobodyToTell, [&] {
+    std::string& error = nobodyToTell;
+    std::string folder;
+    AtomicFile file;
+    const auto write = [&](std::string_view piece) {
+      putOff = mayGoOn && !mayGoOn();
+      return !putOff && file.Write(piece, error);
+    };
+    return m_sideFolder.GetPath(folder, error) &&
+           file.Open(folder + '/' + m_owedCopy->name, AtomicFile::Durability::Renamed, error) &&
+           m_owedCopy->list.Write(write) && file.Commit(error);
+  });
+  // Whether it could be written is of no consequence: the page that shows it says so.
+  if (!putOff) m_owedCopy = nullptr;
+}
+
 bool CTNFileParserEngine::GetSideCopyPath(std::string& path, std::string& error) {
+  WriteOwedSideCopy();
   return m_valid && Guard(error, [&] {
            std::string folder;
            if (!m_sideFolder.GetPath(folder, error)) return false;
-           path = folder + '/' + m_inputFile->GetTitleNoExtension() +
-                  GetMessageText(Msg::XmlExtensionWithDot);
+           path = folder + '/' + SideCopyName();
            return true;
          });
 }

@@ -58,7 +58,8 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool OpenInputFile(const std::string& path, std::string& error);
   /// True when the file is no longer open.
   bool CloseInputFile();
-  /// Closes the input file and gives up all that earlier applications left in memory.
+  /// Closes the input file and gives up all that earlier applications left in memory; a side copy
+  /// that is owed is written before.
   void ForgetResults();
   /// Resets the template to an empty, untitled one; results are stale.
   void NewTemplate();
@@ -70,8 +71,8 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool SaveTemplate(const std::string& path);
   bool IsTemplateModified() const;
 
-  /// Applies the template to the input file, and after success writes the side copy, if that is
-  /// on, which never counts as the user's output.
+  /// Applies the template to the input file. After success the side copy, if that is on, is owed;
+  /// see WriteOwedSideCopy.
   bool ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show);
   /// Tells of an edit. The template is modified unless the change is None; it is applied again at
   /// once if the automatic application flags ask for it and the results are stale now.
@@ -89,8 +90,16 @@ class CTNFileParserEngine final : public CTNParserContext {
   ApplicationStats GetStats() const;
 
   /// Where the side copy of the current input file's list is: a private folder of this user and
-  /// process, which goes with the engine. False with `error` when the folder cannot be made.
+  /// process, which goes with the engine. What is owed is written first. False with `error` when
+  /// the folder cannot be made.
   bool GetSideCopyPath(std::string& path, std::string& error);
+  /// Writes the side copy of the latest application that succeeded, if that is still to be done.
+  /// Applying leaves it undone, because who edits applies again before anybody looks: an event loop
+  /// calls this when it has nothing else to do. It is the list of that application whatever became
+  /// of template and input file since, it never counts as the user's output, and when it cannot be
+  /// written nobody is told. `mayGoOn` is asked before every piece of a few hundred KiB: false puts
+  /// the whole off once more. It only looks, and calls nothing of the engine.
+  void WriteOwedSideCopy(const std::function<bool()>& mayGoOn = {});
 
   void SetSideCopy(SideCopy sideCopy) { m_sideCopy = sideCopy; }
   const std::string& GetTemplateSearchPath() const { return m_searchPath; }
@@ -108,6 +117,7 @@ class CTNFileParserEngine final : public CTNParserContext {
 
  private:
   struct Search;
+  struct OwedCopy;
 
   template <class Work>
   static bool Guard(std::string& error, Work work) {
@@ -124,7 +134,8 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool WriteTemplate(const std::string& path, std::string& error);
   bool WriteEntityListFile(const std::string& path, std::string& error);
   void ReportLoadFailure(const std::string& path, int status);
-  void WriteSideCopy();
+  std::string SideCopyName() const;
+  void OweSideCopy();
   bool Apply(std::string& error, bool& cancelled, ShowProgress show,
              const ApplicationPurpose& purpose);
   std::uint32_t MostUnmatched(Search& search) const;
@@ -143,6 +154,7 @@ class CTNFileParserEngine final : public CTNParserContext {
   CTNFrontEnd* m_frontEnd;  // Not owned.
   SideCopy m_sideCopy = SideCopy::Yes;
   PrivateFolder m_sideFolder;
+  std::unique_ptr<OwedCopy> m_owedCopy;  // Null when every side copy is written.
 };
 
 }  // namespace bomparser

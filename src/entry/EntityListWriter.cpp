@@ -1,7 +1,8 @@
 #include "entry/EntityListWriter.h"
 
 #include "input/MessageTexts.h"
-#include "template/OutputProgram.h"
+
+#include <utility>
 
 namespace bomparser {
 
@@ -10,10 +11,15 @@ constexpr std::string_view kOpeningTag = "<TN_FILEPARSER_ENTITIES>";
 constexpr std::string_view kClosingTag = "</TN_FILEPARSER_ENTITIES>";
 }  // namespace
 
-bool EntityListWriter::Write(const Sink& sink) const {
+EntityListWriter::EntityListWriter(std::shared_ptr<const CTNParsedResult> result, bool stale)
+    : m_result(std::move(result)) {
+  if (m_result && !stale) m_program.emplace(*m_result);
+}
+
+bool EntityListWriter::Write(const Sink& sink) {
   if (!m_result) return sink(std::string(kOpeningTag).append(kClosingTag));
-  if (m_stale) return WriteStale(sink);
-  return OutputProgram(*m_result).Write(kOpeningTag, kClosingTag, sink);
+  if (!m_program) return WriteStale(sink);
+  return m_program->Write(kOpeningTag, kClosingTag, sink);
 }
 
 bool EntityListWriter::WriteStale(const Sink& sink) const {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "input/CTNParsedBlockPtrArray.h"
+#include "template/OutputProgram.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,22 +13,25 @@ namespace bomparser {
 
 /// Writes the entity list of a result: one line of XML-like text, nothing escaped, one entity per
 /// block that an entity record matched. While results are stale each block stands as "??".
+///
+/// All that the template adds is put together by the constructor: what is done to the template
+/// later does not show in the list.
 class EntityListWriter {
  public:
   /// Takes the text in pieces; answers false to stop.
   using Sink = std::function<bool(std::string_view)>;
 
-  EntityListWriter(std::shared_ptr<const CTNParsedResult> result, bool stale)
-      : m_result(std::move(result)), m_stale(stale) {}
+  /// Without a result the list is empty. Throws std::bad_alloc.
+  EntityListWriter(std::shared_ptr<const CTNParsedResult> result, bool stale);
 
-  /// False when the sink stopped it. Without a result the list is empty.
-  bool Write(const Sink& sink) const;
+  /// False when the sink stopped it.
+  bool Write(const Sink& sink);
 
  private:
   bool WriteStale(const Sink& sink) const;
 
   std::shared_ptr<const CTNParsedResult> m_result;
-  bool m_stale;
+  std::optional<OutputProgram> m_program;  // Of results that are not stale.
 };
 
 /// The entity text of one block: what the list holds of it. Empty for a block that is no entity,

@@ -15,7 +15,8 @@ namespace bomparser {
 /// names, literals, attributes and values of single-match records, is put together once; per block
 /// only the texts that fields matched are filled in. What it writes is what BuildEntityText writes.
 ///
-/// Made after an application, for its result; both the template and the result outlive it.
+/// Made after an application, for its result, which outlives it. The template is read by the
+/// constructor only.
 class OutputProgram {
  public:
   explicit OutputProgram(const CTNParsedResult& result);

@@ -83,12 +83,14 @@ class EngineTestIn : public Base {
     EXPECT_TRUE(engine.WriteEntityList(add, error)) << error;
     return list;
   }
-  std::string SideCopy() {
+  /// Asking writes what is owed.
+  std::string SideCopyPath() {
     std::string path;
     std::string error;
     EXPECT_TRUE(engine.GetSideCopyPath(path, error)) << error;
-    return BytesAt(path);
+    return path;
   }
+  std::string SideCopy() { return BytesAt(SideCopyPath()); }
   std::vector<std::string> Log() { return engine.GetTemplate()->GetErrorLog().GetAllLines(); }
   std::string LogText() {
     std::string text;

@@ -1,10 +1,14 @@
 #include "tests/support/FailingMemory.h"
 
+#include "tests/support/LiveMemory.h"
+
 #include <cstddef>
 #include <cstdlib>
 #include <new>
 
 namespace {
+
+using bomparser::test::LiveMemory;
 
 constexpr std::int64_t kNever = -1;
 thread_local std::int64_t s_granted = kNever;
@@ -18,7 +22,14 @@ void* Allocate(std::size_t size) noexcept {
     return nullptr;
   }
   if (s_granted > 0) --s_granted;
-  return std::malloc(size != 0 ? size : 1);
+  void* const memory = std::malloc(size != 0 ? size : 1);
+  LiveMemory::NoteTaken(memory, size);
+  return memory;
+}
+
+void Free(void* memory) noexcept {
+  LiveMemory::NoteGivenBack(memory);
+  std::free(memory);
 }
 
 void* AllocateOrThrow(std::size_t size) {
@@ -33,12 +44,12 @@ void* operator new(std::size_t size) { return AllocateOrThrow(size); }
 void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept { Free(memory); }
+void operator delete[](void* memory) noexcept { Free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { Free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { Free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { Free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { Free(memory); }
 
 namespace bomparser::test {
 

@@ -1,11 +1,13 @@
 #include "tnbase/Interrupts.h"
 
 #include "cli/OutputFile.h"
+#include "cli/Session.h"
 #include "cli/TerminalFrontEnd.h"
 #include "tests/support/TestFolder.h"
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace bomparser {
@@ -96,6 +98,36 @@ TEST(InterruptsDeathTest, ASideCopyIsNotLeftBehind) {
     std::_Exit(IsInterrupted() ? InterruptStatus() : 1);
   };
   EXPECT_EXIT(afterwards(), ExitedWithCode(130), "");
+}
+
+class SideCopyDeathTest : public TestFolder {};
+
+TEST_F(SideCopyDeathTest, AnInterruptionIsNotKeptWaitingByTheSideCopy) {
+  WriteFile("template.xml",
+            "<PARSER_TEMPLATE><TEMPLATE_RECORD><TYPE>Part</TYPE></TEMPLATE_RECORD>"
+            "</PARSER_TEMPLATE>");
+  WriteFile("input.txt", "a\n");
+  const auto copying = [this](bool interrupted) {
+    CatchInterrupts();
+    bool written = false;
+    {
+      Session session(SideCopy::Yes);
+      CTNFileParserEngine& engine = session.GetEngine();
+      std::string path;
+      std::string error;
+      bool cancelled = false;
+      Demand(engine.LoadTemplate(PathOf("template.xml")) &&
+             engine.OpenInputFile(PathOf("input.txt"), error) &&
+             engine.GetSideCopyPath(path, error) &&
+             engine.ApplyTemplate(error, cancelled, ShowProgress::Yes));
+      if (interrupted) std::raise(SIGINT);
+      session.WriteSideCopy();
+      written = std::filesystem::exists(path);
+    }
+    std::_Exit(written ? 0 : InterruptStatus());
+  };
+  EXPECT_EXIT(copying(false), ExitedWithCode(0), "");
+  EXPECT_EXIT(copying(true), ExitedWithCode(130), "");
 }
 
 class OutputFileDeathTest : public TestFolder {};

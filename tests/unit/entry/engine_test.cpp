@@ -1,8 +1,11 @@
 #include "entry/CTNFileParserEngine.h"
 #include "tests/support/EngineTest.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -243,6 +246,130 @@ TEST_F(EngineTest, AFailedApplicationWritesNoCopy) {
             "advanced after read operation: Prev position = 0, current position = 0");
   EXPECT_EQ(Flags(), "stale");
   EXPECT_EQ(SideCopy(), copy);
+}
+
+// The copy itself waits until somebody asks for it or has nothing else to do.
+
+TEST_F(EngineTest, ApplyingLeavesTheCopyUndoneUntilThereIsTimeForIt) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  const std::string path = SideCopyPath();
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(BytesAt(path), "(none)");
+  engine.WriteOwedSideCopy();
+  EXPECT_EQ(BytesAt(path), ListOfWords({"a"}));
+  std::filesystem::remove(path);
+  engine.WriteOwedSideCopy();
+  EXPECT_EQ(BytesAt(path), "(none)") << "it is written once";
+}
+
+TEST_F(EngineTest, ACopyThatIsOwedIsThatOfItsApplicationWhateverBecomesOfTheTemplate) {
+  const auto changes = std::vector<std::function<void()>>{
+      [this] { FieldOf(RecordOf(Document(), "E1"), 1).SetMatchValueText("b"); },
+      [this] { RecordOf(Document(), "E1").ClearFields(); },
+      [this] { Document().DeleteRecord(Document().FindRecordByID("A1")); },
+      [this] { Load(TemplateFor("c"), "other.xml"); },
+      [this] { EXPECT_FALSE(engine.LoadTemplate(PathOf("missing.xml"))); },
+      [this] { engine.NewTemplate(); },
+      [this] { engine.CloseInputFile(); },
+      [this] { WriteFile("input.txt", "c\nc\nc\n"); },
+  };
+  engine.SetAutoApplicationFlags(0);
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    SCOPED_TRACE(i);
+    CTNParserTemplate document(nullptr);
+    AddRecord(document, RecordKind::SingleMatch, "once", {String("b"), Newline()});
+    AddRecord(document, RecordKind::Part, "line", {String("a"), Newline()},
+              {Designator("A1.F1 F1"), PartNumber()});
+    Load(XmlText(document));
+    Open("b\na\n");
+    ASSERT_EQ(Apply(), "ok");
+    changes[i]();
+    engine.OnTemplateChanged(ChangeKind::Modified, kRecordsModified);
+    EXPECT_EQ(SideCopy(), ListOfWords({"ba"}));
+    std::filesystem::remove(SideCopyPath());
+  }
+}
+
+TEST_F(EngineTest, AnApplicationThatFailsOrIsCancelledLeavesWhatIsOwed) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  WriteFile("input.txt", "a\na\n");
+  frontEnd.progress.cancelAtStep = 1;
+  EXPECT_EQ(Apply(ShowProgress::Yes), "Operation cancelled (cancelled)");
+  Document().AddRecord(RecordKind::MultipleMatch, "takes nothing")->Validate();
+  EXPECT_NE(Apply(), "ok");
+  EXPECT_EQ(SideCopy(), ListOfWords({"a"}));
+}
+
+TEST_F(EngineTest, ANewerCopyTakesThePlaceOfAnOlderOneOfTheSameNameOnly) {
+  Load(TemplateFor("a|b|c"));
+  const std::string path = SideCopyPath();
+  const std::string folder = path.substr(0, path.rfind('/'));
+  for (const std::string name : {"first.1.txt", "first.2.txt", "second.txt"}) {
+    Open(name == "first.1.txt" ? "a\n" : name == "first.2.txt" ? "b\n" : "c\n", name);
+    ASSERT_EQ(Apply(), "ok");
+  }
+  EXPECT_EQ(BytesAt(folder + "/first.xml"), ListOfWords({"b"}));
+  EXPECT_EQ(BytesAt(folder + "/second.xml"), "(none)");
+  Open("", "third.txt");
+  EXPECT_EQ(SideCopyPath(), folder + "/third.xml");
+  EXPECT_EQ(BytesAt(folder + "/second.xml"), ListOfWords({"c"}));
+  EXPECT_EQ(SideCopy(), "(none)") << "nothing was applied to it";
+}
+
+TEST_F(EngineTest, ForgettingResultsWritesTheCopyThatIsOwedOfThem) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  const std::string path = SideCopyPath();
+  ASSERT_EQ(Apply(), "ok");
+  const std::weak_ptr<const CTNParsedResult> result = InFile().GetBlocks().GetResult();
+  engine.ForgetResults();
+  EXPECT_EQ(BytesAt(path), ListOfWords({"a"}));
+  EXPECT_TRUE(result.expired());
+}
+
+TEST_F(EngineTest, ACopyIsPutOffAsAWhole) {
+  constexpr std::size_t kManyPieces = 60'000;
+  Load(TemplateFor("a"));
+  Open("a\n");
+  const std::string path = SideCopyPath();
+  const std::string folder = path.substr(0, path.rfind('/'));
+  ASSERT_EQ(Apply(), "ok");
+  engine.WriteOwedSideCopy();
+  std::string text;
+  for (std::size_t i = 0; i < kManyPieces; ++i)
+    text += "a\n";
+  WriteFile("input.txt", text);
+  ASSERT_EQ(Apply(), "ok");
+  int asked = 0;
+  for (int allowed = 0; allowed < 3; ++allowed) {
+    asked = 0;
+    engine.WriteOwedSideCopy([&] { return asked++ < allowed; });
+    EXPECT_EQ(asked, allowed + 1);
+    EXPECT_EQ(BytesAt(path), ListOfWords({"a"})) << "the one before";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+  }
+  asked = 0;
+  engine.WriteOwedSideCopy([&] { return ++asked > 0; });
+  EXPECT_GT(asked, 3);
+  EXPECT_EQ(BytesAt(path), List());
+}
+
+TEST_F(EngineTest, ACopyThatCannotBeWrittenIsNotOwedAnyLonger) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  const std::string path = SideCopyPath();
+  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  ASSERT_EQ(Apply(), "ok");
+  std::filesystem::remove(folder);
+  engine.WriteOwedSideCopy();
+  std::filesystem::create_directory(folder);
+  engine.WriteOwedSideCopy();
+  EXPECT_EQ(SideCopy(), "(none)");
+  EXPECT_EQ(Log(), Texts{});
+  EXPECT_EQ(frontEnd.errors, Texts{});
 }
 
 TEST_F(EngineTest, TheCopyCanBeSwitchedOff) {
