@@ -225,7 +225,8 @@ bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_v
                                           std::string& error) const {
   return m_valid && Guard(error, [&] {
            return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale())
-               .Write(sink);
+                      .Write(sink) &&
+                  m_inputFile->IsTextIntact(error);
          });
 }
 

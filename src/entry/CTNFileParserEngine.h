@@ -85,7 +85,7 @@ class CTNFileParserEngine final : public CTNParserContext {
   /// the error log.
   bool OutputEntityList(const std::string& path, std::string& error);
   /// Hands the entity list to a sink in pieces. False when the sink stopped it, who knows why, or
-  /// when memory ran out, which `error` then says.
+  /// when memory ran out or the input was cut short meanwhile, which `error` then says.
   bool WriteEntityList(const std::function<bool(std::string_view)>& sink, std::string& error) const;
   ApplicationStats GetStats() const;
 

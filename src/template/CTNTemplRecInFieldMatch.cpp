@@ -60,7 +60,9 @@ bool CTNTemplRecInField::Match(CTNParserCharBuffIter& text, CTNParsedFileBlock* 
                                NestingState& nesting) {
   const std::uint32_t start = text.GetPosition();
   std::string matched;
-  if (!MatchByType(text, block, matched, next, keep, nesting)) {
+  const bool matches = MatchByType(text, block, matched, next, keep, nesting);
+  nesting.Spend(text.GetPosition() - start);
+  if (!matches) {
     text.SetPosition(start);
     return false;
   }

@@ -228,7 +228,11 @@ FieldOp MatchProgram::CompileField(const CTNTemplRecInField& field) {
   op.repeatable = field.IsRepeatable();
   op.length = field.GetMatchLength();
   op.subRecord = m_layout->IndexOf(field.GetMatchedSubRecord());
-  if (op.kind != FieldKind::SubRecord) CompileValues(field, op);
+  if (op.kind == FieldKind::SubRecord) {
+    op.memory = m_subRecordFields++;
+  } else {
+    CompileValues(field, op);
+  }
   return op;
 }
 
@@ -247,7 +251,7 @@ void MatchProgram::PrepareScans(FirstBytes& first) {
     for (std::uint32_t i = record.firstOp; i < record.lastOp; ++i) {
       FieldOp& scan = m_ops[i];
       if (scan.kind != FieldKind::ScanToNext) continue;
-      scan.scanSlot = static_cast<std::uint32_t>(m_scanSets.size());
+      scan.memory = static_cast<std::uint32_t>(m_scanSets.size());
       m_scanSets.emplace_back();
       ByteSet& bytes = m_scanSets.back();
       scan.search = ScanSearch::Never;

@@ -43,9 +43,9 @@ struct FieldOp {
   FieldKind kind;
   bool required;
   bool repeatable;
-  ScanSearch search;         // Of SCAN_TO_NEXT:
-  char searchByte;           //   the byte of OneByte and FromByte;
-  std::uint32_t scanSlot;    //   its place in the matcher's memory of scans.
+  ScanSearch search;         // Of SCAN_TO_NEXT,
+  char searchByte;           // and the byte of OneByte and FromByte.
+  std::uint32_t memory;      // Place in the matcher's memory of scans or of rows of sub-records.
   std::int32_t length;       // Of COLUMN and SCAN_TO_NEXT: the match length.
   std::uint32_t subRecord;   // Of SUBRECORD: the record's place in the program.
   std::uint32_t firstValue;  // Match values.
@@ -78,9 +78,10 @@ class MatchProgram {
   std::uint32_t GetCatchAll() const { return m_catchAll; }
   std::uint32_t GetIgnoredLines() const { return m_ignoredLines; }
   std::size_t GetScanCount() const { return m_scanSets.size(); }
+  std::size_t GetSubRecordFieldCount() const { return m_subRecordFields; }
   std::uint32_t GetRecordCount() const { return static_cast<std::uint32_t>(m_records.size()); }
   /// The bytes at which the field behind a scan can begin.
-  const ByteSet& FirstBytesBehind(const FieldOp& scan) const { return m_scanSets[scan.scanSlot]; }
+  const ByteSet& FirstBytesBehind(const FieldOp& scan) const { return m_scanSets[scan.memory]; }
 
   /// The records that are tried on their own where this byte stands, in the order of trying: those
   /// of the auxiliary list, then those of the entity list, without sub-records, invalid records and
@@ -110,6 +111,7 @@ class MatchProgram {
   std::vector<RecordOp> m_records;  // By place in the layout.
   std::vector<FieldOp> m_ops;
   std::vector<ByteSet> m_scanSets;
+  std::uint32_t m_subRecordFields = 0;
   std::vector<MatchValue> m_values;
   std::vector<std::unique_ptr<std::string>> m_valueTexts;
   std::vector<std::uint32_t> m_tryOrder;

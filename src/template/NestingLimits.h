@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -38,13 +39,16 @@ class NestingState {
   }
   void Leave() { --m_depth; }
 
-  /// Lets scans read no more than this many characters in all, and fail then.
+  /// Lets scans go on as long as no more than this many characters were read in all; then they
+  /// fail.
   void LimitScans(std::uint64_t& characters) { m_scanLimit = &characters; }
   bool MayScanOn() {
-    if (m_scanLimit == nullptr) return true;
-    if (*m_scanLimit == 0) return false;
-    --*m_scanLimit;
-    return true;
+    Spend(1);
+    return m_scanLimit == nullptr || *m_scanLimit > 0;
+  }
+  /// So many characters were read by a trial.
+  void Spend(std::uint64_t characters) {
+    if (m_scanLimit != nullptr) *m_scanLimit -= std::min(characters, *m_scanLimit);
   }
 
  private:

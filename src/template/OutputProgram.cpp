@@ -3,7 +3,7 @@
 #include "input/CTNParsedFileBlock.h"
 #include "template/CTNTemplateRecord.h"
 #include "template/NestingLimits.h"
-#include "tnbase/CharRuns.h"
+#include "tnbase/RunFinder.h"
 
 #include <algorithm>
 #include <cstring>

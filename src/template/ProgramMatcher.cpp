@@ -1,6 +1,6 @@
 #include "template/ProgramMatcher.h"
 
-#include "tnbase/CharRuns.h"
+#include "tnbase/RunFinder.h"
 
 #include <algorithm>
 #include <cassert>
@@ -33,6 +33,7 @@ ProgramMatcher::ProgramMatcher(const MatchProgram& program, CTNParsedResult& res
       m_begin(result.GetText()->Data()),
       m_end(m_begin + result.GetText()->Size()),
       m_scans(program.GetScanCount()),
+      m_rows(program.GetSubRecordFieldCount()),
       m_failures(program.GetRecordCount()),
       m_attempts(program.GetRecordCount()) {}
 
@@ -54,6 +55,7 @@ inline void ProgramMatcher::Begin(std::uint32_t record, std::uint32_t position) 
   m_firstPending = m_result.MakeElementRoom(0);
   m_roomEnd = m_firstPending + m_result.GetElementRoom();
   CutPending(0);
+  m_passedOver = false;
 }
 
 void ProgramMatcher::TakePending() {
@@ -65,7 +67,14 @@ std::uint32_t ProgramMatcher::Match(std::uint32_t record, std::uint32_t position
   Begin(record, position);
   m_exact = m_program.GetRecord(record).entangled;
   m_nesting = NestingState(m_exact ? NestingState::Kind::Entangled : NestingState::Kind::Plain);
-  const char* const end = MatchRecord(m_program.GetRecord(record), m_begin + position);
+  const char* end = MatchRecord(m_program.GetRecord(record), m_begin + position);
+  if (end != nullptr && m_passedOver) {
+    // It matches: now for the elements as well.
+    CutPending(0);
+    m_mayPassOver = false;
+    end = MatchRecord(m_program.GetRecord(record), m_begin + position);
+    m_mayPassOver = true;
+  }
   if (end != nullptr) return PositionOf(end);
   CutPending(0);
   return kFailed;
@@ -115,15 +124,13 @@ const char* ProgramMatcher::MatchRecord(const RecordOp& record, const char* at) 
     case FieldKind::String:
       return MatchString(op, at);
     case FieldKind::Column:
-      if (op.length < 0 || m_end - at < op.length ||
-          FindChar(at, at + op.length, '\n') != at + op.length) {
-        return nullptr;
-      }
-      return at + op.length;
+      return op.length >= 0 && std::min(m_runs.EndOf<RunKind::Line>(at), m_end) - at >= op.length
+                 ? at + op.length
+                 : nullptr;
     case FieldKind::Alphanumeric:
-      return CheckValues(op, at, EndOfAlphanumerics(at));
+      return CheckValues(op, at, m_runs.EndOf<RunKind::Alphanumerics>(at));
     case FieldKind::Alpha:
-      return CheckValues(op, at, EndOfLetters(at));
+      return CheckValues(op, at, m_runs.EndOf<RunKind::Letters>(at));
     case FieldKind::WholeNum:
     case FieldKind::DecimalNum:
       return MatchNumber(op, at);
@@ -132,11 +139,11 @@ const char* ProgramMatcher::MatchRecord(const RecordOp& record, const char* at) 
     case FieldKind::Tab:
       return at < m_end && *at == '\t' ? at + 1 : nullptr;
     case FieldKind::WhtSpace: {
-      const char* const end = EndOfBlanks(at);
+      const char* const end = m_runs.EndOf<RunKind::Blanks>(at);
       return end > at ? end : nullptr;
     }
     case FieldKind::NotWhtSpace:
-      return CheckValues(op, at, EndOfWord(at));
+      return CheckValues(op, at, m_runs.EndOf<RunKind::Word>(at));
     case FieldKind::Newline:
       return at < m_end && *at == '\n' ? at + 1 : nullptr;
     case FieldKind::ScanToNext:
@@ -170,12 +177,12 @@ inline const char* ProgramMatcher::CheckValues(const FieldOp& op, const char* at
   return nullptr;
 }
 
-inline const char* ProgramMatcher::MatchNumber(const FieldOp& op, const char* at) const {
+inline const char* ProgramMatcher::MatchNumber(const FieldOp& op, const char* at) {
   const char* const digits = at + (IsSign(*at) ? 1 : 0);
-  const char* end = EndOfDigits(digits);
+  const char* end = m_runs.EndOf<RunKind::Digits>(digits);
   if (op.kind == FieldKind::DecimalNum) {
     if (!IsSeparator(*end)) return nullptr;
-    end = EndOfDigits(end + 1);
+    end = m_runs.EndOf<RunKind::Digits>(end + 1);
     if (end - digits < 2) return nullptr;
   } else if (end == digits) {
     return nullptr;
@@ -269,7 +276,7 @@ const char* ProgramMatcher::SearchEverywhere(const FieldOp& scan, const char* fr
   if (scan.length >= 1 && m_end - at > std::ptrdiff_t{scan.length} + 1) last = at + scan.length + 1;
   if (m_exact && (&scan + 1)->kind == FieldKind::SubRecord) return SearchEverywhere(scan, at, last);
   const std::uint32_t position = PositionOf(at);
-  ScanMemory& memory = m_scans[scan.scanSlot];
+  ScanMemory& memory = m_scans[scan.memory];
   if (!memory.current.Holds(position)) TurnTo(memory, position);
   ScanZone& known = memory.current;
   const bool inside = known.Holds(position);
@@ -318,7 +325,9 @@ const char* ProgramMatcher::MatchNested(const FieldOp& op, const char* at) {
 
 [[gnu::noinline]] const char* ProgramMatcher::MatchInstances(const FieldOp& op, const char* at) {
   const char* matched = nullptr;
+  std::size_t count = 0;
   for (const char* before = at;;) {
+    if (count++ >= kShortRow) before = PassOver(m_rows[op.memory], before, count == kShortRow + 1);
     MakeRoom(2);  // For both marks.
     *m_out++ = element_code::kInstance;
     const char* const end = MatchNested(op, before);
@@ -330,9 +339,29 @@ const char* ProgramMatcher::MatchNested(const FieldOp& op, const char* at) {
     if (!op.repeatable || EndsRepetition(PositionOf(before), PositionOf(end))) break;
     before = end;
   }
+  if (count > kShortRow) m_rows[op.memory].complete = true;
   MakeRoom(1);
   *m_out++ = element_code::kNoMore;
   return matched;
+}
+
+/// Remembers that an instance of a long row starts here. Where a row is known to pass here, it goes
+/// on at the last of it: the record that is tried at each of them in turn, and each time fails
+/// behind the last, would otherwise walk them all. Those at the end are walked, so that the last
+/// attempts are what they are.
+const char* ProgramMatcher::PassOver(Row& row, const char* at, bool begins) {
+  const std::uint32_t position = PositionOf(at);
+  auto& starts = row.starts;
+  if (row.complete && std::binary_search(starts.begin(), starts.end(), position)) {
+    const std::uint32_t last = starts[starts.size() - std::min(starts.size(), kWalkedAgain)];
+    if (m_exact || !m_mayPassOver || position >= last) return at;
+    m_passedOver = true;
+    return m_begin + last;
+  }
+  if (begins) starts.clear();
+  row.complete = false;
+  starts.push_back(position);
+  return at;
 }
 
 }  // namespace bomparser

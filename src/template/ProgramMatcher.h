@@ -3,6 +3,7 @@
 #include "input/CTNParsedResult.h"
 #include "template/MatchProgram.h"
 #include "template/NestingLimits.h"
+#include "tnbase/RunFinder.h"
 
 #include <cstdint>
 #include <string_view>
@@ -54,6 +55,14 @@ class ProgramMatcher {
   static constexpr std::size_t kFewZones = 64;
   static constexpr std::size_t kManyZones = 4096;
 
+  /// A row of instances of one sub-record field, if it was long: where they start.
+  struct Row {
+    std::vector<std::uint32_t> starts;
+    bool complete = false;
+  };
+  static constexpr std::size_t kShortRow = 16;    // Instances in front that are not remembered.
+  static constexpr std::size_t kWalkedAgain = 3;  // Instances at the end that are not passed over.
+
   /// Where a record last failed inside another one, and the count of attempts then.
   struct Failure {
     std::uint32_t position = kFailed;
@@ -64,7 +73,7 @@ class ProgramMatcher {
   const char* MatchRecord(const RecordOp& record, const char* at);
   const char* MatchField(const FieldOp& op, const char* at);
   const char* MatchString(const FieldOp& op, const char* at) const;
-  const char* MatchNumber(const FieldOp& op, const char* at) const;
+  const char* MatchNumber(const FieldOp& op, const char* at);
   const char* CheckValues(const FieldOp& op, const char* at, const char* end) const;
   const char* MatchScan(const FieldOp& scan, const char* at);
   const char* Search(const FieldOp& scan, const char* from, const char* last);
@@ -76,6 +85,7 @@ class ProgramMatcher {
   bool MatchesHere(const FieldOp& next, const char* at);
   const char* MatchNested(const FieldOp& op, const char* at);
   const char* MatchInstances(const FieldOp& op, const char* at);
+  const char* PassOver(Row& row, const char* at, bool begins);
   void MakeRoom(std::size_t count);
   void GrowRoom(std::size_t count);
   /// Element bytes written and not taken.
@@ -96,7 +106,11 @@ class ProgramMatcher {
   std::uint32_t m_parent = 0;              // and the record that is tried there.
   bool m_exact = false;                    // Every attempt counts: see MatchScan.
   NestingState m_nesting{NestingState::Kind::Plain};
+  RunFinder m_runs;
   std::vector<ScanMemory> m_scans;
+  std::vector<Row> m_rows;
+  bool m_mayPassOver = true;
+  bool m_passedOver = false;        // The elements of the match under way have a gap.
   std::vector<Failure> m_failures;  // By record.
   std::vector<NestedAttempt> m_attempts;
   std::uint64_t m_sequence = 0;

@@ -263,6 +263,41 @@ TEST_F(HostileText, AScanBetweenPlacesFarApartReadsTheTextOnce) {
   EXPECT_EQ(Count(Lines("abcd efgh\n") + "12\n" + Lines("abcd efgh\n") + "12\n"), 2 * kLines + 2);
 }
 
+TEST_F(HostileText, ARowOfSubRecordsWhoseFollowerNeverComesIsWalkedOnce) {
+  Add(RecordKind::SubRecord, {Alpha(), Newline()});
+  Add(RecordKind::MultipleMatch, {SubRecord("A1"), String("never"), Newline()});
+  Add(RecordKind::MultipleMatch, {SubRecord("A1"), WholeNum(), Newline()});
+  EXPECT_EQ(Count(Lines("abc\n")), kLines);
+}
+
+TEST_F(HostileText, SoAreRowsInsideEachOther) {
+  Add(RecordKind::SubRecord, {WholeNum(), WhtSpace()});
+  Add(RecordKind::SubRecord, {Alpha(), SubRecord("A1"), Newline()});
+  Add(RecordKind::MultipleMatch, {SubRecord("A2"), String("never"), Newline()});
+  EXPECT_EQ(Count(Lines("abc1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 \n", kLines / 4)),
+            kLines / 4);
+}
+
+TEST_F(HostileText, ALongRunIsReadOnceWhateverIsLookedForInIt) {
+  Add(RecordKind::SubRecord, {Alnum(), String("!")});
+  Add(RecordKind::MultipleMatch, {Scan(), Alpha("foo"), String("!"), Newline()});
+  Add(RecordKind::MultipleMatch, {Scan(), SubRecord("A1"), Newline()});
+  Add(RecordKind::MultipleMatch,
+      {Scan(), Field(FieldKind::NotWhtSpace, "foo"), String("!"), Newline()});
+  EXPECT_EQ(Count(Lines("abcdefgh") + '\n'), 1U);
+}
+
+TEST_F(HostileText, SoIsALongNumber) {
+  Add(RecordKind::MultipleMatch, {Scan(), DecimalNum(), Newline()});
+  Add(RecordKind::MultipleMatch, {Scan(), WholeNum("7"), Newline()});
+  EXPECT_EQ(Count(Lines("12345678") + '\n'), 1U);
+}
+
+TEST_F(HostileText, SoIsALineThatIsTooShortForAColumn) {
+  Add(RecordKind::MultipleMatch, {Scan(), Column(10'000'000), Newline()});
+  EXPECT_EQ(Count(Lines("12345678") + '\n'), 1U);
+}
+
 TEST_F(HostileText, SubRecordsThatMultiplyEnd) {
   Add(RecordKind::SubRecord, {Optional(WholeNum())});
   for (int i = 1; i < 30; ++i) {

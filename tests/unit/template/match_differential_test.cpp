@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -44,6 +45,55 @@ TEST(MatchDifferential, RandomTemplatesGiveTheSameOnShortTexts) {
 
 TEST(MatchDifferential, RandomTemplatesGiveTheSameOnLongerTexts) {
   CompareMatchers(1'000'001, TemplateCount(400), Circles::No, 160);
+}
+
+/// Of lines "a" or "ab" or "1" so many each; what the records make of them differs from line to
+/// line.
+std::string TextOfRows(std::initializer_list<int> lengths) {
+  std::string text;
+  int kind = 0;
+  for (const int length : lengths) {
+    for (int i = 0; i < length; ++i)
+      text += kind % 2 == 0 ? "a\n" : "ab, cd, ef\n";
+    text += kind % 3 == 0 ? "1\n" : "-\n";
+    ++kind;
+  }
+  return text;
+}
+
+TEST(MatchDifferential, LongRowsOfSubRecordsGiveTheSame) {
+  CTNParserTemplate document(nullptr);
+  AddRecord(document, RecordKind::SubRecord, "word", {Alpha(), Optional(String(", "))});
+  AddRecord(document, RecordKind::SubRecord, "line", {SubRecord("A1"), Newline()});
+  AddRecord(document, RecordKind::MultipleMatch, "never",
+            {SubRecord("A2"), String("never"), Newline()});
+  AddRecord(
+      document, RecordKind::MultipleMatch, "rows",
+      {SubRecord("A2"), String("-"), Newline(), Optional(SubRecord("A2")), WholeNum(), Newline()});
+  AddRecord(document, RecordKind::MultipleMatch, "row", {SubRecord("A2"), WholeNum(), Newline()});
+  for (int length = 13; length < 24; ++length) {
+    for (const std::string& text :
+         {TextOfRows({length}), TextOfRows({length, length + 2, length}),
+          TextOfRows({5, length, 40, length, 3}), std::string(2, '-') + TextOfRows({0, length})}) {
+      EXPECT_EQ(FindDifference(document, text), "") << ExplainDifference(document, text);
+    }
+  }
+}
+
+TEST(MatchDifferential, LongRowsThatEndWithAnEmptyInstanceGiveTheSame) {
+  CTNParserTemplate document(nullptr);
+  AddRecord(document, RecordKind::SubRecord, "maybe",
+            {Optional(Alpha()), Optional(String(", ")), Optional(WholeNum("1"))});
+  AddRecord(document, RecordKind::MultipleMatch, "never",
+            {SubRecord("A1"), String("never"), Newline()});
+  AddRecord(document, RecordKind::MultipleMatch, "line", {SubRecord("A1"), Newline()});
+  for (int length = 13; length < 24; ++length) {
+    std::string row;
+    for (int i = 0; i < length; ++i)
+      row += i % 3 == 0 ? "1" : "a, ";
+    for (const std::string& text : {row + '\n', row + "!\n" + row + '\n', row + row + "2\n"})
+      EXPECT_EQ(FindDifference(document, text), "") << ExplainDifference(document, text);
+  }
 }
 
 std::size_t DeepestBrace(std::string_view text) {
