@@ -29,6 +29,8 @@ PRODUCT, MAWK, SCANNER = "bomparser", "mawk", "scanner"
 HOSTILE_SIZE = 1_000_000
 HOSTILE_GROWTH = 4
 FIND_SIZE = 1_000_000
+START_SIZE = 1_000
+START_ROUNDS = 200
 SECONDS = 120
 
 
@@ -88,6 +90,18 @@ def run_well(command, output=None):
         said = done.errors.decode(errors="replace").strip() or f"no message; {SECONDS} s is the limit"
         raise Failure(f"{pathlib.Path(command[0]).name}: exit status {done.status}: {said}")
     return done
+
+
+def seconds_of(program):
+    """The wall-clock time of a run that takes hardly longer than starting it: no pipes, no copy of this script."""
+    program.output.unlink(missing_ok=True)
+    start = time.perf_counter()
+    process = os.posix_spawn(program.command[0], list(map(str, program.command)), os.environ)
+    _, status = os.waitpid(process, 0)
+    seconds = time.perf_counter() - start
+    if status != 0:
+        raise Failure(f"{program.name}: exit status {os.waitstatus_to_exitcode(status)}")
+    return seconds
 
 
 class Comparison:
@@ -176,6 +190,20 @@ class Comparison:
             print(row(name, f"{length / 1e6 / seconds:.1f}", f"{seconds * 1e3:.1f}", peak_text(peak, floor), part,
                       *ratios))
 
+    def small(self):
+        """A small file, beside a program that only parses the template and copies the input."""
+        source, template = self.make("placement", START_SIZE)
+        listed, copied = self.folder / "small.list", self.folder / "small.copy"
+        programs = (Program(PRODUCT, [self.product, "apply", "-t", template, "-o", listed, source], listed),
+                    Program("minimal", [self.tools / "bench_minimal", template, source, copied], copied))
+        rounds = [[seconds_of(program) for program in programs] for _ in range(START_ROUNDS)]
+        if not filecmp.cmp(source, copied, shallow=False) or b"<ENTITY>" not in listed.read_bytes():
+            raise Failure("small file: it was not copied, or nothing was found in it")
+        product, minimal = (statistics.median(one[i] for one in rounds) * 1e3 for i in range(2))
+        ratio = statistics.median(one / least for one, least in rounds)
+        print(f"\n{source.stat().st_size:,} bytes: {product:.2f} ms, parsing the template and copying the file "
+              f"{minimal:.2f} ms; x{ratio:.2f}")
+
     def find(self):
         """Find Template, in milliseconds for each template."""
         source, _ = self.make("placement", FIND_SIZE)
@@ -232,7 +260,7 @@ def parse_arguments():
     parser.add_argument("--bin", type=pathlib.Path, default=ROOT / "build/release/bomparser",
                         help="the program under test (default: build/release/bomparser)")
     parser.add_argument("--tools", type=pathlib.Path, default=ROOT / "build/bench/bench",
-                        help="the folder of bench_inputs and bench_scanner (default: build/bench/bench)")
+                        help="the folder of the programs bench_* (default: build/bench/bench)")
     parser.add_argument("--size", type=size_of, default="10M", help="bytes of input, K, M or G behind (default: 10M)")
     parser.add_argument("--kind", choices=KINDS, help="one layout only")
     parser.add_argument("--runs", type=int, default=5, help="counted rounds (default: 5)")
@@ -240,7 +268,8 @@ def parse_arguments():
     arguments = parser.parse_args()
     if min(arguments.runs, arguments.templates, arguments.size) < 1:
         parser.error("sizes and counts start at 1")
-    for path in (arguments.bin, arguments.tools / "bench_inputs", arguments.tools / "bench_scanner"):
+    tools = [arguments.tools / name for name in ("bench_inputs", "bench_minimal", "bench_scanner")]
+    for path in (arguments.bin, *tools):
         if not os.access(path, os.X_OK):
             parser.error(f"{path} is no program; --help tells what builds it")
     arguments.bin = arguments.bin.resolve()
@@ -253,6 +282,7 @@ def main():
         comparison = Comparison(arguments, pathlib.Path(folder))
         for kind in [arguments.kind] if arguments.kind else KINDS:
             comparison.attempt(comparison.compare, kind, arguments.size)
+        comparison.attempt(comparison.small)
         comparison.attempt(comparison.find)
         comparison.attempt(comparison.hostile)
     for failure in comparison.failures:

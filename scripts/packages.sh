@@ -1,6 +1,7 @@
 # To be sourced. ensure_packages installs what is missing of the given Debian packages and is silent when all is there.
 
-kBuildPackages=(g++ make cmake ninja-build ccache libxml2-dev libcli11-dev libfmt-dev)
+kBuildPackages=(g++ make cmake ninja-build ccache libxml2-dev libcli11-dev libfmt-dev
+  libicu-dev zlib1g-dev liblzma-dev)  # The last three: what a program needs that has libxml2 in it.
 kTestPackages=(libgtest-dev libgmock-dev python3 clang-format clang-tidy locales)
 
 package_is_there() {

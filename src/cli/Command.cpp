@@ -95,11 +95,9 @@ ExitStatus Run(const ParsedCommandLine& parsed) {
   return parsed.command->run(parsed.options);
 }
 
-}  // namespace
-
-const std::array<Command, kCommandCount>& GetCommands() { return kCommands; }
-
-void DescribeCommandLine(CLI::App& app, Options& options) {
+/// Gives `app` the commands, with the options of those that `wanted(command)` is true for.
+template <class Wanted>
+void Describe(CLI::App& app, Options& options, Wanted wanted) {
   app.name("bomparser");
   app.description(
       "Reads parts, placement, drill and aperture lists through parser templates.\n"
@@ -107,15 +105,34 @@ void DescribeCommandLine(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "bomparser " BOMPARSER_VERSION, "print the version");
   AddDialogOptions(app, options);
   for (const Command& command : kCommands) {
-    command.addOptions(*app.add_subcommand(command.name, command.help), options);
+    CLI::App& added = *app.add_subcommand(command.name, command.help);
+    if (wanted(command)) command.addOptions(added, options);
   }
   app.require_subcommand(0, 1);
+}
+
+/// Gives `app` what these arguments can need. Making the options of all commands takes longer than
+/// everything else about the command line, and one command at most is used: one whose name is among
+/// the arguments.
+void DescribeForArguments(CLI::App& app, Options& options,
+                          const std::vector<std::string>& arguments) {
+  Describe(app, options, [&arguments](const Command& command) {
+    return std::find(arguments.begin(), arguments.end(), command.name) != arguments.end();
+  });
+}
+
+}  // namespace
+
+const std::array<Command, kCommandCount>& GetCommands() { return kCommands; }
+
+void DescribeCommandLine(CLI::App& app, Options& options) {
+  Describe(app, options, [](const Command&) { return true; });
 }
 
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   ParsedCommandLine parsed;
   CLI::App app;
-  DescribeCommandLine(app, parsed.options);
+  DescribeForArguments(app, parsed.options, arguments);
   try {
     std::vector<std::string> guarded = GuardArguments(arguments);
     std::reverse(guarded.begin(), guarded.end());  // The parser takes them from the back.

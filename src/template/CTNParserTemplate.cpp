@@ -335,9 +335,8 @@ void CTNParserTemplate::RegisterBindings(XmlBindingTable& bindings) {
 int CTNParserTemplate::OnBeginNode(XmlNode node, bool& handled) {
   handled = false;
   if (!node.IsElement()) return kXmlOk;
-  const std::string name = node.Name();
-  m_recognised = m_recognised || name == "PARSER_TEMPLATE" || name == "TEMPLATE_RECORD";
-  handled = name == "TEMPLATE_RECORD";
+  handled = node.HasName("TEMPLATE_RECORD");
+  m_recognised = m_recognised || handled || node.HasName("PARSER_TEMPLATE");
   if (!handled) return kXmlOk;
   auto record = std::make_unique<CTNTemplateRecord>(this);
   const int status = record->Walk(node);

@@ -28,7 +28,9 @@ bool AnyPiece(std::string_view text, Visit visit) {
   return false;
 }
 
-bool ReadFlag(std::string_view text) { return !EqualsNoCase(text, GetMessageText(Msg::WordFalse)); }
+bool ReadFlag(std::string_view text) {
+  return !EqualsNoCase(text, CTNTemplRecInField::FlagText(false));
+}
 
 }  // namespace
 
@@ -65,7 +67,10 @@ std::int32_t CTNTemplRecInField::Init() {
 }
 
 const std::string& CTNTemplRecInField::FlagText(bool flag) {
-  return GetMessageText(flag ? Msg::WordTrue : Msg::WordFalse);
+  // Asked for six times a field while a template is loaded.
+  static const std::string& s_true = GetMessageText(Msg::WordTrue);
+  static const std::string& s_false = GetMessageText(Msg::WordFalse);
+  return flag ? s_true : s_false;
 }
 
 void CTNTemplRecInField::SetType(FieldKind kind) {

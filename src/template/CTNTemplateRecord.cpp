@@ -325,9 +325,10 @@ std::size_t CTNTemplateRecord::CountOutputTag(OutputTag tag) const {
   return count;
 }
 
-bool CTNTemplateRecord::IsRequiredTag(OutputTag tag) const {
-  if (IsTagRequiredByType(m_kind, tag)) return true;
-  return m_kind == RecordKind::Aperture && IsTagRequiredByShape(GetApertureShape(), tag);
+TagSet CTNTemplateRecord::GetRequiredTags() const {
+  TagSet tags = GetTagsRequiredByType(m_kind);
+  if (m_kind == RecordKind::Aperture) tags.Add(GetTagsRequiredByShape(GetApertureShape()));
+  return tags;
 }
 
 bool CTNTemplateRecord::CreateRequiredOutputSet() {
@@ -336,9 +337,10 @@ bool CTNTemplateRecord::CreateRequiredOutputSet() {
                        [tag](const auto& element) { return element->GetTag() == tag; });
   };
   return GuardEdit(m_template, [this, isPresent] {
+    const TagSet required = GetRequiredTags();
     for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
       const auto tag = static_cast<OutputTag>(code);
-      if (!IsRequiredTag(tag) || isPresent(tag)) continue;
+      if (!required.Has(tag) || isPresent(tag)) continue;
       CTNTemplRecOutField* element = InsertField(std::make_unique<CTNTemplRecOutField>(this));
       if (element == nullptr) return false;
       element->SetTag(tag);
@@ -420,7 +422,6 @@ void CTNTemplateRecord::RegisterBindings(XmlBindingTable& bindings) {
 int CTNTemplateRecord::OnBeginNode(XmlNode node, bool& handled) {
   handled = false;
   if (!node.IsElement()) return kXmlOk;
-  const std::string name = node.Name();
   const auto read = [this, &node](auto field, auto& fields, Msg failure) {
     int status = kXmlOk;
     try {
@@ -438,12 +439,12 @@ int CTNTemplateRecord::OnBeginNode(XmlNode node, bool& handled) {
     fields.push_back(std::move(field));
     return kXmlOk;
   };
-  if (name == "INPUT_FIELD") {
+  if (node.HasName("INPUT_FIELD")) {
     handled = true;
     return read(std::make_unique<CTNTemplRecInField>(this), m_inputFields,
                 Msg::ErrorLoadingInputField);
   }
-  if (name == "OUTPUT_FIELD") {
+  if (node.HasName("OUTPUT_FIELD")) {
     handled = true;
     return read(std::make_unique<CTNTemplRecOutField>(this), m_outputFields,
                 Msg::ErrorLoadingOutputField);

@@ -108,7 +108,9 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   bool HasOutputTag(OutputTag tag) const;
   /// The elements that have the tag, plus those whose expression reaches one that has it.
   std::size_t CountOutputTag(OutputTag tag) const;
-  bool IsRequiredTag(OutputTag tag) const;
+  /// What its type, and as an aperture its shape, requires.
+  TagSet GetRequiredTags() const;
+  bool IsRequiredTag(OutputTag tag) const { return GetRequiredTags().Has(tag); }
   /// Every tag is allowed for every type: hosts take what they know.
   static bool IsAllowedTag(OutputTag) { return true; }
   /// Adds an element with its default expression for every required tag that is missing.

@@ -43,6 +43,7 @@ bool CTNTemplateRecord::ValidateInputFields(std::string& error) {
 
 bool CTNTemplateRecord::ValidateOutputElements(std::string& error) {
   bool valid = true;
+  const TagSet required = GetRequiredTags();
   for (const auto& element : m_outputFields) {
     if (element->Validate() == 0) {
       std::string id;
@@ -50,7 +51,7 @@ bool CTNTemplateRecord::ValidateOutputElements(std::string& error) {
       AddLine(error, FormatMessageText(Msg::OutputElementInvalid, id));
       valid = false;
     } else if (element->GetTag() != OutputTag::None && !IsAuxiliary() &&
-               !IsRequiredTag(element->GetTag())) {
+               !required.Has(element->GetTag())) {
       element->SetStatusText(
           FormatMessageText(Msg::NoteElementNotRequired, element->GetTagText(), GetTypeName()));
     }
@@ -60,13 +61,14 @@ bool CTNTemplateRecord::ValidateOutputElements(std::string& error) {
 
 bool CTNTemplateRecord::ValidateRequiredTags(std::string& error) const {
   bool valid = true;
+  const TagSet required = GetRequiredTags();
   for (std::int32_t code = 0; code <= kLastTriedTag; ++code) {
     const auto tag = static_cast<OutputTag>(code);
-    if (!IsRequiredTag(tag)) continue;
+    if (!required.Has(tag)) continue;
     if (!HasOutputTag(tag)) {
       // Tags that the type itself requires are told as the type's.
       AddLine(error,
-              IsTagRequiredByType(m_kind, tag)
+              GetTagsRequiredByType(m_kind).Has(tag)
                   ? FormatMessageText(Msg::RecordTypeRequiresTag, GetTypeName(), GetTagName(tag))
                   : FormatMessageText(Msg::ApertureRequiresTag, m_description, GetTagName(tag)));
       valid = false;

@@ -4,7 +4,6 @@
 #include "tnbase/CTNTool.h"
 #include "tnbase/CharClass.h"
 
-#include <algorithm>
 #include <array>
 #include <initializer_list>
 
@@ -42,10 +41,13 @@ const RecordType* RowOf(RecordKind kind) {
 }
 
 using Tag = OutputTag;
-using TagSet = std::initializer_list<OutputTag>;
+using TagList = std::initializer_list<OutputTag>;
 
-bool Contains(TagSet tags, OutputTag tag) {
-  return std::find(tags.begin(), tags.end(), tag) != tags.end();
+TagSet SetOf(TagList tags) {
+  TagSet set;
+  for (const OutputTag tag : tags)
+    set.Add(tag);
+  return set;
 }
 
 constexpr int kFirstCustomShape = 15;
@@ -58,38 +60,38 @@ std::string_view GetShapeName(int shape) {
   return CTNFormulaCustom::GetShapeName(shape, true);
 }
 
-TagSet TagsOfShape(int shape) {
-  static constexpr TagSet kRound = {Tag::Diameter};
-  static constexpr TagSet kSquare = {Tag::Width};
-  static constexpr TagSet kRectangle = {Tag::Width, Tag::Height};
-  static constexpr TagSet kRing = {Tag::InnerDiameter, Tag::OuterDiameter};
-  static constexpr TagSet kCross = {Tag::Stroke, Tag::Size};
-  static constexpr TagSet kMagnified = {Tag::Magnitude};
-  static constexpr TagSet kOval = {Tag::Width, Tag::Height, Tag::Rotation};
-  static constexpr TagSet kThermal = {Tag::InnerDiameter, Tag::OuterDiameter, Tag::NumGaps,
-                                      Tag::FirstGapAngle, Tag::GapWidth,      Tag::EndGeometry,
-                                      Tag::Rotation};
-  static constexpr TagSet kChamfered = {Tag::Width,
-                                        Tag::Height,
-                                        Tag::Chamfer,
-                                        Tag::RightTopCorner,
-                                        Tag::RightBottomCorner,
-                                        Tag::LeftTopCorner,
-                                        Tag::LeftBottomCorner,
-                                        Tag::Rotation};
-  static constexpr TagSet kRounded = {Tag::Width,
-                                      Tag::Height,
-                                      Tag::Radius,
-                                      Tag::RightTopCorner,
-                                      Tag::RightBottomCorner,
-                                      Tag::LeftTopCorner,
-                                      Tag::LeftBottomCorner,
-                                      Tag::Rotation};
-  static constexpr TagSet kBullet = {Tag::Width, Tag::Length, Tag::Direction, Tag::Rotation};
-  static constexpr TagSet kText = {Tag::Text,        Tag::Font,   Tag::LineHeight, Tag::LineWidth,
-                                   Tag::StrokeWidth, Tag::Mirror, Tag::Drill,      Tag::Rotation};
-  static constexpr TagSet kNone = {};
-  static constexpr std::array<const TagSet*, kLastCustomShape + 1> kByShape = {
+TagList TagsOfShape(int shape) {
+  static constexpr TagList kRound = {Tag::Diameter};
+  static constexpr TagList kSquare = {Tag::Width};
+  static constexpr TagList kRectangle = {Tag::Width, Tag::Height};
+  static constexpr TagList kRing = {Tag::InnerDiameter, Tag::OuterDiameter};
+  static constexpr TagList kCross = {Tag::Stroke, Tag::Size};
+  static constexpr TagList kMagnified = {Tag::Magnitude};
+  static constexpr TagList kOval = {Tag::Width, Tag::Height, Tag::Rotation};
+  static constexpr TagList kThermal = {Tag::InnerDiameter, Tag::OuterDiameter, Tag::NumGaps,
+                                       Tag::FirstGapAngle, Tag::GapWidth,      Tag::EndGeometry,
+                                       Tag::Rotation};
+  static constexpr TagList kChamfered = {Tag::Width,
+                                         Tag::Height,
+                                         Tag::Chamfer,
+                                         Tag::RightTopCorner,
+                                         Tag::RightBottomCorner,
+                                         Tag::LeftTopCorner,
+                                         Tag::LeftBottomCorner,
+                                         Tag::Rotation};
+  static constexpr TagList kRounded = {Tag::Width,
+                                       Tag::Height,
+                                       Tag::Radius,
+                                       Tag::RightTopCorner,
+                                       Tag::RightBottomCorner,
+                                       Tag::LeftTopCorner,
+                                       Tag::LeftBottomCorner,
+                                       Tag::Rotation};
+  static constexpr TagList kBullet = {Tag::Width, Tag::Length, Tag::Direction, Tag::Rotation};
+  static constexpr TagList kText = {Tag::Text,        Tag::Font,   Tag::LineHeight, Tag::LineWidth,
+                                    Tag::StrokeWidth, Tag::Mirror, Tag::Drill,      Tag::Rotation};
+  static constexpr TagList kNone = {};
+  static constexpr std::array<const TagList*, kLastCustomShape + 1> kByShape = {
       &kRound,   &kRound,   &kSquare,    &kRound,   &kRectangle, &kRectangle, &kRing, &kRing,
       &kCross,   &kNone,    &kMagnified, &kNone,    &kRound,     &kNone,      &kNone, &kOval,
       &kThermal, &kThermal, &kChamfered, &kRounded, &kBullet,    &kText};
@@ -127,19 +129,19 @@ int FindApertureShape(std::string_view name) {
   return kNoShape;
 }
 
-bool IsTagRequiredByType(RecordKind kind, OutputTag tag) {
+TagSet GetTagsRequiredByType(RecordKind kind) {
   switch (kind) {
     case RecordKind::Aperture:
-      return Contains({Tag::DCode, Tag::Shape, Tag::Scale, Tag::Units}, tag);
+      return SetOf({Tag::DCode, Tag::Shape, Tag::Scale, Tag::Units});
     case RecordKind::Drill:
-      return Contains({Tag::TCode, Tag::Diameter, Tag::Scale, Tag::Units}, tag);
+      return SetOf({Tag::TCode, Tag::Diameter, Tag::Scale, Tag::Units});
     case RecordKind::Part:
-      return Contains({Tag::RefDesignator, Tag::PartNumber}, tag);
+      return SetOf({Tag::RefDesignator, Tag::PartNumber});
     default:
-      return false;
+      return {};
   }
 }
 
-bool IsTagRequiredByShape(int shape, OutputTag tag) { return Contains(TagsOfShape(shape), tag); }
+TagSet GetTagsRequiredByShape(int shape) { return SetOf(TagsOfShape(shape)); }
 
 }  // namespace bomparser

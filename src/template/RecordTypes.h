@@ -3,6 +3,8 @@
 #include "input/RecordKind.h"
 #include "template/OutputTags.h"
 
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -22,9 +24,23 @@ constexpr int kNoShape = -1;
 /// The shape with this name, compared without case, among the indexes 0 to 13 and 15 to 21.
 int FindApertureShape(std::string_view name);
 
-/// Whether records of this type need an output element with the tag whatever their shape.
-bool IsTagRequiredByType(RecordKind kind, OutputTag tag);
-/// Whether apertures of this shape need an output element with the tag on top of that.
-bool IsTagRequiredByShape(int shape, OutputTag tag);
+/// A set of tags that have a code.
+class TagSet {
+ public:
+  bool Has(OutputTag tag) const {
+    const auto code = static_cast<std::size_t>(tag);
+    return code < m_tags.size() && m_tags[code];
+  }
+  void Add(OutputTag tag) { m_tags.set(static_cast<std::size_t>(tag)); }
+  void Add(const TagSet& others) { m_tags |= others.m_tags; }
+
+ private:
+  std::bitset<kLastTriedTag + 1> m_tags;
+};
+
+/// The tags that records of this type need an output element for whatever their shape.
+TagSet GetTagsRequiredByType(RecordKind kind);
+/// The tags that apertures of this shape need an output element for on top of that.
+TagSet GetTagsRequiredByShape(int shape);
 
 }  // namespace bomparser

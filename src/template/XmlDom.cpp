@@ -58,8 +58,9 @@ struct XmlLibrary {
 
 namespace {
 
-constexpr int kParseOptions =
-    XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_BIG_LINES;
+/// Compact: a short text stands in its node, which saves an allocation for most texts there are.
+constexpr int kParseOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
+                              XML_PARSE_BIG_LINES | XML_PARSE_COMPACT;
 
 /// The library counts what it is given in an int.
 constexpr std::size_t kMaxDocumentBytes = INT_MAX;
@@ -161,12 +162,11 @@ bool IsText(const xmlNode* node) {
   return node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE;
 }
 
+bool HasPrefix(const xmlNode* node) { return node->ns != nullptr && node->ns->prefix != nullptr; }
+
 std::string QualifiedName(const xmlNode* node) {
-  std::string name;
-  if (node->ns != nullptr && node->ns->prefix != nullptr) {
-    name.append(FromXml(node->ns->prefix)).append(":");
-  }
-  return name.append(FromXml(node->name));
+  return HasPrefix(node) ? std::string(FromXml(node->ns->prefix)) + ':' + FromXml(node->name)
+                         : FromXml(node->name);
 }
 
 std::string DescendantTexts(xmlNode* top) {
@@ -530,6 +530,11 @@ std::string XmlNode::Name() const {
     default:
       return {};
   }
+}
+
+bool XmlNode::HasName(std::string_view name) const {
+  const bool plain = (IsElement() || IsAttribute()) && !HasPrefix(m_node);
+  return plain ? name == FromXml(m_node->name) : name == Name();
 }
 
 std::string XmlNode::Value() const {

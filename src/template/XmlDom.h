@@ -29,6 +29,8 @@ class XmlNode {
   /// as name; nodes without a name have the reserved ones "#document", "#text", "#cdata-section"
   /// and "#comment", which no element can have.
   std::string Name() const;
+  /// Whether Name() is this name, without making a text of it.
+  bool HasName(std::string_view name) const;
 
   /// An attribute's value. Of any other node the texts of all its descendants joined, CDATA
   /// sections included, comments left out; of a text or comment its own text.

@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <fcntl.h>
-#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -89,12 +88,18 @@ int TakeOver(int file, const struct stat& replaced) {
   return Failed(fchmod(file, mode));
 }
 
-std::string HiddenName() {
-  std::random_device random;
+/// A name that no other file has. Asks the system itself for chance: the library's random device
+/// first finds out what the processor has, which takes longer than the rest of making a file.
+int MakeHiddenName(std::string& hidden) {
+  std::array<unsigned, 2> random{};
+  if (getentropy(random.data(), sizeof random) != 0) {
+    return errno;
+  }
   std::array<char, 64> name;
   const int length = std::snprintf(name.data(), name.size(), ".bomparser-%ld-%08x%08x",
-                                   static_cast<long>(getpid()), random(), random());
-  return std::string(name.data(), static_cast<std::size_t>(length));
+                                   static_cast<long>(getpid()), random[0], random[1]);
+  hidden.assign(name.data(), static_cast<std::size_t>(length));
+  return kDone;
 }
 
 int WriteAll(int file, std::string_view bytes) {
@@ -171,7 +176,11 @@ struct AtomicFile::Unfinished {
     }
     constexpr mode_t kNobodyElse = S_IRUSR | S_IWUSR;
     constexpr mode_t kEverybody = 0666;  // Less what the process's mask takes away.
-    std::string name = FolderOf(target) + '/' + HiddenName();
+    std::string hidden;
+    if (const int failure = MakeHiddenName(hidden); failure != kDone) {
+      return failure;
+    }
+    std::string name = FolderOf(target) + '/' + hidden;
     file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
                 replaced != nullptr ? kNobodyElse : kEverybody);
     if (file == kNoFile) {

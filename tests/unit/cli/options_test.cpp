@@ -147,6 +147,12 @@ TEST(CommandLine, NamesInBracketsAndBehindTwoDashesAreNames) {
   EXPECT_EQ(Parsed({"show", "-t", "t", "-"}).inputs, Arguments{"-"});
 }
 
+TEST(CommandLine, ACommandsNameIsAlsoAName) {
+  EXPECT_EQ(Parsed({"find", "-s", "apply", "show"}).searchFolder, "apply");
+  EXPECT_EQ(Parsed({"check", "--", "apply", "find"}).inputs, (Arguments{"apply", "find"}));
+  EXPECT_EQ(Parsed({"--template", "apply"}).dialogTemplate, "apply");
+}
+
 TEST(CommandLine, WithoutACommandItIsTheDialog) {
   EXPECT_EQ(Outcome({}), "run dialog");
   const Options options = Parsed({"--template", "t", "--input", "i"});

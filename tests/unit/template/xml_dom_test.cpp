@@ -124,6 +124,24 @@ TEST_F(XmlDomTest, NamesCarryTheirPrefix) {
   EXPECT_EQ(Names(m_document.Root()), "p:A @p:B C");
 }
 
+TEST_F(XmlDomTest, ANameIsKnownByAllOfIt) {
+  ASSERT_TRUE(Parses("<p:A xmlns:p='u' p:B='1'>t</p:A>"));
+  const XmlNode root = m_document.Root();
+  const auto known = [](XmlNode node) {
+    std::string names;
+    for (const char* name : {"A", "p:A", "B", "p:B", "#text", "p", ":A", ""}) {
+      if (node.HasName(name)) names += std::string(name) + ' ';
+    }
+    return names;
+  };
+  EXPECT_EQ(known(root), "p:A ");
+  EXPECT_EQ(known(root.FirstAttribute()), "p:B ");
+  EXPECT_EQ(known(root.FirstChild()), "#text ");
+  EXPECT_EQ(known(XmlNode()), " ");
+  ASSERT_TRUE(Parses("<A/>"));
+  EXPECT_EQ(known(m_document.Root()), "A ");
+}
+
 TEST_F(XmlDomTest, ParentLeadsToTheDocument) {
   ASSERT_TRUE(Parses("<A B='1'><C/></A>"));
   const XmlNode root = m_document.Root();
@@ -455,6 +473,15 @@ TEST_F(XmlDomTest, NothingIsAddedToWhatIsWritten) {
   EXPECT_EQ(SerializeNode(m_document.AsNode()), "<A B=\"1\"><C> x </C><D/></A>");
   EXPECT_EQ(SerializeNode(root), SerializeNode(m_document.AsNode()));
   EXPECT_EQ(SerializeNode(root.FirstChild()), "<C> x </C>");
+}
+
+TEST_F(XmlDomTest, WhatWasParsedCanBeAddedTo) {
+  for (const char* text : {"a", "a text of more than fifteen bytes"}) {
+    ASSERT_TRUE(Parses(std::string("<X>") + text + "</X>"));
+    AppendText(m_document.Root(), " and more");
+    AppendText(m_document.Root(), " of it");
+    EXPECT_EQ(SerializeNode(m_document.Root()), std::string("<X>") + text + " and more of it</X>");
+  }
 }
 
 TEST_F(XmlDomTest, SettingAnAttributeAgainReplacesItsValue) {
