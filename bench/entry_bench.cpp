@@ -313,34 +313,67 @@ void ShowRows(benchmark::State& state, Markup markup, Newlines newlines) {
 BENCHMARK_CAPTURE(ShowRows, text, Markup::Off, Newlines::Hidden)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ShowRows, markup, Markup::On, Newlines::Shown)->Unit(benchmark::kMillisecond);
 
-/// Items are templates; every template reads the whole input.
+/// A folder of templates to choose from.
+class TemplateFolder {
+ public:
+  explicit TemplateFolder(std::size_t count) {
+    for (const std::string& text : TemplatesToChooseFrom(count))
+      m_paths.push_back(m_files.Write(fmt::format("{:04}.xml", m_paths.size()), text));
+  }
+  std::string GetFolder() { return m_files.GetFolder(); }
+  const std::string& GetChoice() const { return m_paths[ChoiceOf(m_paths.size())]; }
+
+  /// The seconds that it takes to load all of them.
+  double TimeLoading(CTNFileParserEngine& engine) const {
+    const auto begin = std::chrono::steady_clock::now();
+    for (const std::string& path : m_paths)
+      engine.LoadTemplate(path);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  }
+
+ private:
+  TemporaryFiles m_files;
+  std::vector<std::string> m_paths;
+};
+
+/// Items are templates; every template reads the whole input. `over_loading`: the time over that
+/// of loading the templates alone.
 void FindTemplate(benchmark::State& state) {
-  constexpr std::size_t kTemplates = 50;
   Setting setting;
   if (!setting.Open(PlacementTemplate, MakePlacementList, state.range(0))) {
     state.SkipWithError("the files cannot be opened");
     return;
   }
-  TemporaryFiles folder;
-  std::size_t number = 0;
-  for (const std::string& text : TemplatesToChooseFrom(kTemplates))
-    folder.Write(fmt::format("{:03}.xml", number++), text);
+  const auto count = static_cast<std::size_t>(state.range(1));
+  TemplateFolder folder(count);
   CTNFileParserEngine& engine = setting.GetEngine();
   engine.SetTemplateSearchPath(folder.GetFolder());
-  const std::string wanted = fmt::format("{}/{:03}.xml", folder.GetFolder(), ChoiceOf(kTemplates));
+  double loading = 0.0;
+  double finding = 0.0;
   for (auto _ : state) {
+    state.PauseTiming();
+    loading += folder.TimeLoading(engine);
+    const auto begin = std::chrono::steady_clock::now();
+    state.ResumeTiming();
     std::string error;
     bool cancelled = false;
     if (!engine.FindTemplate(error, cancelled, ShowProgress::No) ||
-        engine.GetTemplate()->GetFilePath() != wanted) {
+        engine.GetTemplate()->GetFilePath() != folder.GetChoice()) {
       state.SkipWithError("the right template is not found");
       return;
     }
+    finding += std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   }
-  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kTemplates));
+  state.counters["over_loading"] = finding / loading;
+  state.SetItemsProcessed(state.iterations() * state.range(1));
   state.SetBytesProcessed(state.items_processed() * setting.GetInputSize());
 }
-BENCHMARK(FindTemplate)->Arg(100'000)->Arg(kSmall)->Unit(benchmark::kMillisecond);
+BENCHMARK(FindTemplate)
+    ->Args({100'000, 50})
+    ->Args({kSmall, 50})
+    ->Args({kSmall, 1000})
+    ->Args({kLarge, 50})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace bomparser::bench

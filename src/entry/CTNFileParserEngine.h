@@ -6,10 +6,12 @@
 #include "template/CTNParserTemplate.h"
 #include "tnbase/PrivateFolder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -118,6 +120,7 @@ class CTNFileParserEngine final : public CTNParserContext {
  private:
   struct Search;
   struct OwedCopy;
+  struct ScoreBound;
 
   template <class Work>
   static bool Guard(std::string& error, Work work) {
@@ -138,9 +141,12 @@ class CTNFileParserEngine final : public CTNParserContext {
   void OweSideCopy();
   bool Apply(std::string& error, bool& cancelled, ShowProgress show,
              const ApplicationPurpose& purpose);
-  std::uint32_t MostUnmatched(Search& search) const;
-  bool TryTemplate(const std::string& path, Search& search);
-  void TryFolder(const std::vector<std::string>& names, Search& search);
+  void TryFolder(Search& search);
+  bool TryTemplate(std::size_t place, Search& search);
+  void AskAgain(Search& search);
+  std::optional<ScoreBound> BoundFor(const CTNParserTemplate& document, Search& search) const;
+  bool Try(CTNParserTemplate& document, std::size_t place, double promise, Search& search);
+  static void NoteFailure(std::size_t place, std::string error, Search& search);
   void ApplyInFull(const std::string& path);
   void GiveUpSearch(const Search& search, const std::string& startPath);
 
