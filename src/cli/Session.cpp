@@ -2,6 +2,7 @@
 
 #include "cli/Messages.h"
 #include "cli/OutputFile.h"
+#include "tnbase/Processors.h"
 
 namespace bomparser {
 
@@ -15,6 +16,10 @@ Session::Session(SideCopy sideCopy) : m_frontEnd(sideCopy), m_engine(&m_frontEnd
   m_engine.SetSideCopy(sideCopy);
   m_engine.GetTemplate()->SetKeepCurrentValues(false);
   m_engine.GetInputFile()->SetMapping(true);
+}
+
+void Session::SetThreads(std::int32_t threads) {
+  m_engine.SetThreads(threads > 0 ? static_cast<unsigned>(threads) : CountUsableProcessors());
 }
 
 bool Session::LoadTemplate(const std::string& path) {

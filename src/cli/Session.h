@@ -4,6 +4,7 @@
 #include "cli/TerminalFrontEnd.h"
 #include "entry/CTNFileParserEngine.h"
 
+#include <cstdint>
 #include <string>
 
 namespace bomparser {
@@ -15,6 +16,8 @@ class Session {
   explicit Session(SideCopy sideCopy = SideCopy::No);
 
   CTNFileParserEngine& GetEngine() { return m_engine; }
+  /// How many threads may work; 0 for as many as there are processors.
+  void SetThreads(std::int32_t threads);
   /// Whether errors that are to be shown at once are. Usually commands tell them when they fail.
   void TellAtOnce(bool tell) { m_frontEnd.TellAtOnce(tell); }
   /// False when the template does not load; the error log is printed then.

@@ -156,7 +156,8 @@ bool CTNFileParserEngine::Apply(std::string& error, bool& cancelled, ShowProgres
 }
 
 bool CTNFileParserEngine::ApplyTemplate(std::string& error, bool& cancelled, ShowProgress show) {
-  const auto apply = [&] { return Apply(error, cancelled, show, ResultUse::Kept); };
+  const ApplicationPurpose purpose(ResultUse::Kept, ApplicationPurpose::kNoLimit, m_threads);
+  const auto apply = [&] { return Apply(error, cancelled, show, purpose); };
   if (!m_valid || !Guard(error, apply)) return false;
   if (m_sideCopy == SideCopy::Yes) OweSideCopy();
   return true;
@@ -225,7 +226,7 @@ bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_v
                                           std::string& error) const {
   return m_valid && Guard(error, [&] {
            return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale())
-                      .Write(sink) &&
+                      .Write(sink, m_threads) &&
                   m_inputFile->IsTextIntact(error);
          });
 }

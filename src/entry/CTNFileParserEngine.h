@@ -104,6 +104,9 @@ class CTNFileParserEngine final : public CTNParserContext {
   void WriteOwedSideCopy(const std::function<bool()>& mayGoOn = {});
 
   void SetSideCopy(SideCopy sideCopy) { m_sideCopy = sideCopy; }
+  /// How many threads may work on one application or list, the caller's included; 1 at first. What
+  /// comes out is the same for any number.
+  void SetThreads(unsigned threads) { m_threads = threads; }
   const std::string& GetTemplateSearchPath() const { return m_searchPath; }
   void SetTemplateSearchPath(const std::string& path) { m_searchPath = path; }
   void SetTabStop(int tabStop) { m_tabStop = tabStop; }
@@ -159,6 +162,7 @@ class CTNFileParserEngine final : public CTNParserContext {
   std::uint32_t m_autoFlags = kAllEdits;
   CTNFrontEnd* m_frontEnd;  // Not owned.
   SideCopy m_sideCopy = SideCopy::Yes;
+  unsigned m_threads = 1;
   PrivateFolder m_sideFolder;
   std::unique_ptr<OwedCopy> m_owedCopy;  // Null when every side copy is written.
 };

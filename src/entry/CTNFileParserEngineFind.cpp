@@ -187,7 +187,7 @@ auto CTNFileParserEngine::BoundFor(const CTNParserTemplate& document, Search& se
 bool CTNFileParserEngine::Try(CTNParserTemplate& document, std::size_t place, double promise,
                               Search& search) {
   // Only the counts are asked for; the best template is applied for good in the end.
-  ApplicationPurpose purpose(ResultUse::Counted);
+  ApplicationPurpose purpose(ResultUse::Counted, ApplicationPurpose::kNoLimit, m_threads);
   std::optional<ScoreBound> bound;
   if (search.IsFound() || promise > 0.0) bound = BoundFor(document, search);
   if (bound) {

@@ -16,10 +16,10 @@ EntityListWriter::EntityListWriter(std::shared_ptr<const CTNParsedResult> result
   if (m_result && !stale) m_program.emplace(*m_result);
 }
 
-bool EntityListWriter::Write(const Sink& sink) {
+bool EntityListWriter::Write(const Sink& sink, unsigned threads) const {
   if (!m_result) return sink(std::string(kOpeningTag).append(kClosingTag));
   if (!m_program) return WriteStale(sink);
-  return m_program->Write(kOpeningTag, kClosingTag, sink);
+  return m_program->Write(kOpeningTag, kClosingTag, sink, threads);
 }
 
 bool EntityListWriter::WriteStale(const Sink& sink) const {

@@ -24,8 +24,8 @@ class EntityListWriter {
   /// Without a result the list is empty. Throws std::bad_alloc.
   EntityListWriter(std::shared_ptr<const CTNParsedResult> result, bool stale);
 
-  /// False when the sink stopped it.
-  bool Write(const Sink& sink);
+  /// False when the sink stopped it. So many threads may work on it.
+  bool Write(const Sink& sink, unsigned threads = 1) const;
 
  private:
   bool WriteStale(const Sink& sink) const;

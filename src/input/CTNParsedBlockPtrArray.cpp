@@ -15,10 +15,10 @@ CTNParsedResult& CTNParsedBlockPtrArray::Begin(std::shared_ptr<const CTNInputTex
 
 std::ptrdiff_t CTNParsedBlockPtrArray::Add(std::uint32_t text, std::uint32_t textEnd,
                                            std::uint32_t elements, std::uint32_t record,
-                                           BlockRows known) {
+                                           std::optional<std::uint32_t> knownRows) {
   m_building->CheckElementCount();
   const std::uint32_t rows =
-      known == BlockRows::One ? 1 : m_building->CountRows(text, textEnd, elements, record);
+      knownRows ? *knownRows : m_building->CountRows(text, textEnd, elements, record);
   if (m_progress != nullptr && m_progress->StepAndPoll(rows)) {
     m_building->CutElements(elements);
     return -1;

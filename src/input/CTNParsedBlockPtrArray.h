@@ -6,25 +6,28 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace bomparser {
 
 /// What an application is for: a result that is shown and written, or its counts alone.
 enum class ResultUse { Kept, Counted };
 
-/// What is known of the rows of a block that is added: one, or to be counted.
-enum class BlockRows { Any, One };
-
 /// The purpose of an application.
 struct ApplicationPurpose {
   static constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
 
-  ApplicationPurpose(ResultUse resultUse = ResultUse::Kept, std::uint32_t most = kNoLimit)
-      : use(resultUse), mostUnmatched(most) {}
+  ApplicationPurpose(ResultUse resultUse = ResultUse::Kept, std::uint32_t most = kNoLimit,
+                     unsigned threadCount = 1)
+      : use(resultUse), mostUnmatched(most), threads(threadCount) {}
 
   ResultUse use;
   /// The application is given up, as done, once it has more unmatched blocks than this.
   std::uint32_t mostUnmatched;
+  /// How many threads may work on it. The result is the same for any number.
+  unsigned threads;
+  /// Threads share the text in pieces of this many bytes; one of less than four is left to one.
+  std::uint32_t pieceSize = 256U << 10;
 };
 
 /// The blocks of one application in file order. A copy shares them: keeping an old result while a
@@ -41,10 +44,11 @@ class CTNParsedBlockPtrArray {
   /// The result under construction; Begin comes first.
   CTNParsedResult& GetBuilding() { return *m_building; }
   /// Appends the block over [text, textEnd) with the element bytes from `elements` on, and tells
-  /// the watching progress of its rows. Returns its position, or -1 when the user has cancelled:
-  /// the block is not added then. Throws std::bad_alloc when memory runs out.
+  /// the watching progress of its rows, which are counted if they are not given. Returns its
+  /// position, or -1 when the user has cancelled: the block is not added then. Throws
+  /// std::bad_alloc when memory runs out.
   std::ptrdiff_t Add(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
-                     std::uint32_t record, BlockRows known = BlockRows::Any);
+                     std::uint32_t record, std::optional<std::uint32_t> knownRows = {});
 
   std::size_t GetSize() const { return m_result ? m_result->GetBlockCount() : 0; }
   /// A view of one block. An index outside the array throws std::invalid_argument.

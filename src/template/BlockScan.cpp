@@ -3,6 +3,7 @@
 #include "template/CTNParserTemplate.h"
 
 #include <algorithm>
+#include <optional>
 #include <tuple>
 
 namespace bomparser {
@@ -13,10 +14,11 @@ BlockScan::BlockScan(const CTNParserTemplate& document,
     : m_program(document),
       m_blocks(blocks),
       m_result(blocks.Begin(text, m_program.GetLayout(), purpose)),
-      m_use(purpose.use),
-      m_matcher(m_program, m_result),
+      m_purpose(purpose),
+      m_taker(m_program, *text),
       m_singleBlocks(m_program.GetRecordCount(), -1),
       m_orderOf(m_program.GetRecordCount(), 0) {
+  m_taker.GetMatcher().SetResult(m_result);
   const auto& order = m_program.GetTryOrder();
   for (std::uint32_t i = 0; i < order.size(); ++i)
     m_orderOf[order[i]] = i;
@@ -27,24 +29,13 @@ std::ptrdiff_t BlockScan::TakeIgnoredLine(std::uint32_t line, std::uint32_t line
   const std::uint32_t elements = m_result.ElementEnd();
   std::uint32_t record = m_program.GetIgnoredLines();
   // The record sees this line alone: it does not match one that has no line end.
-  const std::uint32_t end = m_matcher.Match(record, line);
+  const std::uint32_t end = m_taker.GetMatcher().Match(record, line);
   if (end == lineEnd) {
-    m_matcher.TakePending();
+    m_taker.GetMatcher().TakePending();
   } else {
     record = CTNParsedLayout::kNoRecord;
   }
   return m_blocks.Add(line, lineEnd, elements, record);
-}
-
-BlockScan::Taken BlockScan::TakeBlock(std::uint32_t position) {
-  const char first = m_result.GetText()->Data()[position];
-  for (const std::uint32_t record : m_program.CandidatesAt(first)) {
-    const bool single = m_program.GetRecord(record).singleMatch;
-    if (single && m_singleBlocks[record] >= 0) continue;
-    const std::uint32_t end = m_matcher.Match(record, position);
-    if (end != ProgramMatcher::kFailed) return {record, end};
-  }
-  return {m_program.GetCatchAll(), m_matcher.MatchRestOfLine(position)};
 }
 
 BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previous,
@@ -52,26 +43,76 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
   m_firstBlock = m_result.GetBlockCount();
   m_lastBlock = m_firstBlock;
   previous = std::int64_t{position} - 1;
-  while (position < end) {
-    if (previous >= position) return Outcome::NotAdvanced;
+  if (m_purpose.threads > 1 && position < end &&
+      PiecesAhead::IsWorthwhile(end - position, m_purpose.pieceSize)) {
+    m_ahead.emplace(m_program, m_result.GetText(), position, end, m_purpose.pieceSize,
+                    m_purpose.threads - 1);
+  }
+  Outcome outcome = Outcome::Done;
+  while (position < end && outcome == Outcome::Done && !m_givenUp) {
+    PiecesAhead::Blocks blocks;
+    if (previous >= position) {
+      outcome = Outcome::NotAdvanced;
+    } else if (m_ahead && m_ahead->FindBlocks(position, m_taker.GetSingles(), blocks)) {
+      outcome = AddBlocks(blocks, position, previous);
+    } else {
+      outcome = CutBlock(position, previous);
+    }
+  }
+  m_ahead.reset();
+  return outcome;
+}
+
+/// Cuts the block at the position and adds it.
+BlockScan::Outcome BlockScan::CutBlock(std::uint32_t& position, std::int64_t& previous) {
+  previous = position;
+  const std::uint32_t elements = m_result.ElementEnd();
+  const BlockTaker::Taken taken = m_taker.Take(position);
+  if (taken.end == ProgramMatcher::kFailed) {
+    m_failedAt = position;
+    return Outcome::Unreadable;
+  }
+  m_taker.GetMatcher().TakePending();
+  std::optional<std::uint32_t> rows;
+  if (m_program.GetRecord(taken.record).oneLine) rows = 1;
+  const std::ptrdiff_t added = m_blocks.Add(position, taken.end, elements, taken.record, rows);
+  if (added < 0) return Outcome::Cancelled;
+  NoteAdded(taken.record, added);
+  position = taken.end;
+  return Outcome::Done;
+}
+
+/// Adds blocks that were cut ahead.
+BlockScan::Outcome BlockScan::AddBlocks(PiecesAhead::Blocks& blocks, std::uint32_t& position,
+                                        std::int64_t& previous) {
+  const std::uint32_t first = position;
+  PiecesAhead::Blocks::Block block{};
+  while (!m_givenUp && blocks.Next(block)) {
     previous = position;
     const std::uint32_t elements = m_result.ElementEnd();
-    const Taken taken = TakeBlock(position);
-    if (taken.end == ProgramMatcher::kFailed) {
-      m_failedAt = position;
-      return Outcome::Unreadable;
-    }
-    m_matcher.TakePending();
-    const RecordOp& record = m_program.GetRecord(taken.record);
-    const std::ptrdiff_t added = m_blocks.Add(position, taken.end, elements, taken.record,
-                                              record.oneLine ? BlockRows::One : BlockRows::Any);
+    const auto bytes = static_cast<std::size_t>(block.elementsEnd - block.elements);
+    std::copy(block.elements, block.elementsEnd, m_result.MakeElementRoom(bytes));
+    m_result.AdvanceElements(bytes);
+    const std::ptrdiff_t added =
+        m_blocks.Add(block.text, block.textEnd, elements, block.record, block.rows);
     if (added < 0) return Outcome::Cancelled;
-    if (record.singleMatch) m_singleBlocks[taken.record] = added;
-    m_lastBlock = m_result.GetBlockCount();
-    position = taken.end;
-    if (taken.record == m_program.GetCatchAll() && m_blocks.IsGivenUp()) break;
+    NoteAdded(block.record, added);
+    position = block.textEnd;
+  }
+  for (const auto& [record, attempt] : m_ahead->GetAttempts()) {
+    if (attempt.block >= first) m_taker.GetMatcher().NoteAttempt(record, attempt);
   }
   return Outcome::Done;
+}
+
+void BlockScan::NoteAdded(std::uint32_t record, std::ptrdiff_t block) {
+  m_lastBlock = m_result.GetBlockCount();
+  if (m_program.GetRecord(record).singleMatch) {
+    m_singleBlocks[record] = block;
+    m_taker.NoteSingle(record);
+    if (m_ahead) m_ahead->NoteSingles(m_taker.GetSingles());
+  }
+  m_givenUp = record == m_program.GetCatchAll() && m_blocks.IsGivenUp();
 }
 
 std::ptrdiff_t BlockScan::GetSingleMatchBlock(const CTNTemplateRecord& record) const {
@@ -111,7 +152,7 @@ void BlockScan::AddTopLevelAttempts(std::vector<Attempt>& attempts) const {
 }
 
 void BlockScan::AddNestedAttempts(std::vector<Attempt>& attempts) const {
-  const auto& nested = m_matcher.GetNestedAttempts();
+  const auto& nested = m_taker.GetMatcher().GetNestedAttempts();
   for (std::uint32_t record = 0; record < nested.size(); ++record) {
     const NestedAttempt& last = nested[record];
     if (last.sequence == 0) continue;
@@ -130,7 +171,7 @@ void BlockScan::AddNestedAttempts(std::vector<Attempt>& attempts) const {
 
 std::vector<BlockScan::Attempt> BlockScan::GetLastAttempts() const {
   std::vector<Attempt> attempts;
-  if (m_use == ResultUse::Counted) return attempts;
+  if (m_purpose.use == ResultUse::Counted) return attempts;
   AddTopLevelAttempts(attempts);
   AddNestedAttempts(attempts);
   std::sort(attempts.begin(), attempts.end());

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "input/CTNParsedBlockPtrArray.h"
+#include "template/BlockTaker.h"
 #include "template/MatchProgram.h"
-#include "template/ProgramMatcher.h"
+#include "template/PiecesAhead.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,12 +51,9 @@ class BlockScan {
   std::ptrdiff_t GetSingleMatchBlock(const CTNTemplateRecord& record) const;
 
  private:
-  struct Taken {
-    std::uint32_t record;
-    std::uint32_t end;
-  };
-
-  Taken TakeBlock(std::uint32_t position);
+  Outcome CutBlock(std::uint32_t& position, std::int64_t& previous);
+  Outcome AddBlocks(PiecesAhead::Blocks& blocks, std::uint32_t& position, std::int64_t& previous);
+  void NoteAdded(std::uint32_t record, std::ptrdiff_t block);
   void AddTopLevelAttempts(std::vector<Attempt>& attempts) const;
   void AddNestedAttempts(std::vector<Attempt>& attempts) const;
   Attempt AttemptOf(std::uint32_t record, std::uint32_t block) const;
@@ -62,8 +61,10 @@ class BlockScan {
   MatchProgram m_program;
   CTNParsedBlockPtrArray& m_blocks;
   CTNParsedResult& m_result;
-  ResultUse m_use;
-  ProgramMatcher m_matcher;
+  ApplicationPurpose m_purpose;
+  BlockTaker m_taker;
+  std::optional<PiecesAhead> m_ahead;          // While Run works with more threads than one.
+  bool m_givenUp = false;                      // See ApplicationPurpose.
   std::vector<std::ptrdiff_t> m_singleBlocks;  // By record; -1 while it has not matched.
   std::vector<std::uint32_t> m_orderOf;        // By record: its place in the order of trying.
   std::size_t m_firstBlock = 0;                // Blocks that Run made.

@@ -4,6 +4,7 @@
 #include "template/CTNTemplateRecord.h"
 #include "template/NestingLimits.h"
 #include "tnbase/RunFinder.h"
+#include "tnbase/WorkAhead.h"
 
 #include <algorithm>
 #include <cstring>
@@ -24,6 +25,10 @@ constexpr std::size_t kMostTexts = std::size_t{1} << 31;
 /// Text is handed on in pieces of this size: large enough for the system, small enough for the
 /// processor's cache.
 constexpr std::size_t kPiece = std::size_t{256} << 10;
+/// Threads share the blocks in parts of so many; a list of a few parts is not worth their start.
+constexpr std::size_t kBlocksPerPart = 1024;
+constexpr std::size_t kPartsWorthThreads = 8;
+constexpr std::size_t kPartsPerWorker = 4;
 /// Short texts are copied in one go of this many bytes; what is too much is overwritten next.
 constexpr std::size_t kShort = 32;
 static_assert(kShort <= CTNInputText::kSlack);
@@ -233,6 +238,17 @@ class OutputProgram::Output {
     m_size += text.size();
   }
 
+  /// Slots for the fields of one block, or of a block inside it. They are a stack: the place of the
+  /// first is given back by FreeSlots. SlotsAt holds until more are taken.
+  std::size_t TakeSlots(std::size_t count) {
+    const std::size_t first = m_slotsUsed;
+    m_slotsUsed += count;
+    if (m_slots.size() < m_slotsUsed) m_slots.resize(2 * m_slotsUsed);
+    return first;
+  }
+  void FreeSlots(std::size_t first) { m_slotsUsed = first; }
+  Slot* SlotsAt(std::size_t first) { return m_slots.data() + first; }
+
   void Mark() { m_marks.push_back(Total()); }
   void EndValue() {
     const bool empty = Total() == m_marks.back();
@@ -268,19 +284,48 @@ class OutputProgram::Output {
   char m_last = ' ';
   bool m_going = true;
   std::vector<std::uint64_t> m_marks;
+  std::vector<Slot> m_slots;
+  std::size_t m_slotsUsed = 0;
 };
 
-bool OutputProgram::Write(std::string_view before, std::string_view after, const Sink& sink) {
+bool OutputProgram::Write(std::string_view before, std::string_view after, const Sink& sink,
+                          unsigned threads) const {
+  const std::size_t blocks = m_result.GetBlockCount();
+  const std::size_t parts = (blocks + kBlocksPerPart - 1) / kBlocksPerPart;
+  const auto writePart = [this, blocks](std::size_t part, Output& out) {
+    WriteBlocks(part * kBlocksPerPart, std::min((part + 1) * kBlocksPerPart, blocks), out);
+  };
+  const auto makePart = [&writePart](std::size_t, std::size_t part, std::string& text) {
+    text.clear();
+    const Sink gather = [&text](std::string_view piece) { return text.append(piece), true; };
+    Output out(gather);
+    writePart(part, out);
+    out.Flush();
+  };
+  const std::size_t workers = parts < kPartsWorthThreads ? 0 : threads - 1;
+  WorkAhead<std::string> ahead(workers, parts, kPartsPerWorker * (workers + 1), makePart);
   Output out(sink);
   out.Add(before);
-  for (std::size_t i = 0; i < m_result.GetBlockCount() && out.IsGoing(); ++i) {
+  for (std::size_t part = 0; part < parts && out.IsGoing(); ++part) {
+    const std::string* const made = ahead.Take(part);
+    if (made == nullptr) {
+      writePart(part, out);
+    } else {
+      out.Flush();
+      out.Add(*made);
+    }
+  }
+  out.Add(after);
+  return out.Flush();
+}
+
+void OutputProgram::WriteBlocks(std::size_t first, std::size_t last, Output& out) const {
+  for (std::size_t i = first; i < last && out.IsGoing(); ++i) {
     const ParsedBlockEntry& block = m_result.GetEntry(i);
     if (block.record == CTNParsedLayout::kNoRecord || m_entities[block.record] == kNone) continue;
     WriteBlock(m_entities[block.record], {m_result.ElementBytes() + block.elements, block.text},
                out);
   }
-  out.Add(after);
-  return out.Flush();
 }
 
 /// Moves behind the element of one field that is no sub-record. Returns its length, 0 for an absent
@@ -326,42 +371,35 @@ inline void OutputProgram::FindFields(const SubRecords& subRecords, Slot* slot, 
   }
 }
 
-std::size_t OutputProgram::TakeSlots(std::size_t count) {
-  const std::size_t first = m_slotsUsed;
-  m_slotsUsed += count;
-  if (m_slots.size() < m_slotsUsed) m_slots.resize(2 * m_slotsUsed);
-  return first;
-}
-
-void OutputProgram::WriteBlock(std::uint32_t index, Reading at, Output& out) {
+void OutputProgram::WriteBlock(std::uint32_t index, Reading at, Output& out) const {
   const Program& program = m_programs[index];
   const SubRecords& subRecords = m_subRecords[program.record];
-  const std::size_t slots = TakeSlots(subRecords.size());
-  FindFields(subRecords, m_slots.data() + slots, at);
+  const std::size_t slots = out.TakeSlots(subRecords.size());
+  FindFields(subRecords, out.SlotsAt(slots), at);
   out.SetPlace(Run(program, slots, out.Place(), out));
-  m_slotsUsed = slots;
+  out.FreeSlots(slots);
 }
 
-void OutputProgram::WriteInstances(std::uint32_t index, const Slot& first, Output& out) {
+void OutputProgram::WriteInstances(std::uint32_t index, const Slot& first, Output& out) const {
   const Program& program = m_programs[index];
   const SubRecords& subRecords = m_subRecords[program.record];
   Reading at{m_result.ElementBytes() + first.elements, first.text};
-  const std::size_t slots = TakeSlots(subRecords.size());
+  const std::size_t slots = out.TakeSlots(subRecords.size());
   char* place = out.Place();
   while (*at.elements++ == element_code::kInstance) {
-    FindFields(subRecords, m_slots.data() + slots, at);
+    FindFields(subRecords, out.SlotsAt(slots), at);
     place = Run(program, slots, place, out);
   }
   out.SetPlace(place);
-  m_slotsUsed = slots;
+  out.FreeSlots(slots);
 }
 
 /// Writes the text of one block, whose fields are in the slots, at the place, which moves on.
 inline char* OutputProgram::Run(const Program& program, std::size_t slots, char* place,
-                                Output& out) {
+                                Output& out) const {
   const char* const input = m_result.GetText()->Data();
   const char* const texts = m_texts.data();
-  const Slot* slot = m_slots.data() + slots;
+  const Slot* slot = out.SlotsAt(slots);
   for (const Op& op : program.ops) {
     place = out.AddAt(place, texts + op.text, op.size);
     if (op.kind == OpKind::Field) {
@@ -371,13 +409,13 @@ inline char* OutputProgram::Run(const Program& program, std::size_t slots, char*
       out.SetPlace(place);
       RunSlowly(op, slot, out);
       place = out.Place();
-      slot = m_slots.data() + slots;
+      slot = out.SlotsAt(slots);
     }
   }
   return place;
 }
 
-void OutputProgram::RunSlowly(const Op& op, const Slot* slots, Output& out) {
+void OutputProgram::RunSlowly(const Op& op, const Slot* slots, Output& out) const {
   switch (op.kind) {
     case OpKind::Lines:
       WriteLines(slots[op.field], out);

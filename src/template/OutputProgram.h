@@ -24,8 +24,10 @@ class OutputProgram {
   /// Takes the text in pieces; answers false to stop.
   using Sink = std::function<bool(std::string_view)>;
   /// Hands the entity texts of all blocks, in order and in large pieces, to the sink, with `before`
-  /// in front and `after` behind. False when the sink stopped it.
-  bool Write(std::string_view before, std::string_view after, const Sink& sink);
+  /// in front and `after` behind. False when the sink stopped it. So many threads may work on it,
+  /// the caller's included; it is the caller's that calls the sink.
+  bool Write(std::string_view before, std::string_view after, const Sink& sink,
+             unsigned threads = 1) const;
 
  private:
   enum class OpKind : std::uint8_t {
@@ -70,11 +72,11 @@ class OutputProgram {
   static std::uint32_t TakeField(Reading& at);
   void SkipInstances(std::uint32_t record, Reading& at) const;
   void FindFields(const SubRecords& subRecords, Slot* slot, Reading& at) const;
-  std::size_t TakeSlots(std::size_t count);
-  void WriteBlock(std::uint32_t index, Reading at, Output& out);
-  void WriteInstances(std::uint32_t index, const Slot& first, Output& out);
-  char* Run(const Program& program, std::size_t slots, char* place, Output& out);
-  void RunSlowly(const Op& op, const Slot* slots, Output& out);
+  void WriteBlocks(std::size_t first, std::size_t last, Output& out) const;
+  void WriteBlock(std::uint32_t index, Reading at, Output& out) const;
+  void WriteInstances(std::uint32_t index, const Slot& first, Output& out) const;
+  char* Run(const Program& program, std::size_t slots, char* place, Output& out) const;
+  void RunSlowly(const Op& op, const Slot* slots, Output& out) const;
   void WriteLines(const Slot& slot, Output& out) const;
 
   const CTNParsedResult& m_result;
@@ -82,8 +84,6 @@ class OutputProgram {
   std::vector<Program> m_programs;
   std::string m_texts;
   std::vector<SubRecords> m_subRecords;  // By record of the layout.
-  std::vector<Slot> m_slots;             // A stack: each nested block has its own part,
-  std::size_t m_slotsUsed = 0;           // up to here.
 };
 
 }  // namespace bomparser

@@ -27,11 +27,10 @@ inline bool Stands(const MatchValue& value, const char* at) {
 
 }  // namespace
 
-ProgramMatcher::ProgramMatcher(const MatchProgram& program, CTNParsedResult& result)
+ProgramMatcher::ProgramMatcher(const MatchProgram& program, const CTNInputText& text)
     : m_program(program),
-      m_result(result),
-      m_begin(result.GetText()->Data()),
-      m_end(m_begin + result.GetText()->Size()),
+      m_begin(text.Data()),
+      m_end(m_begin + text.Size()),
       m_scans(program.GetScanCount()),
       m_rows(program.GetSubRecordFieldCount()),
       m_failures(program.GetRecordCount()),
@@ -44,22 +43,22 @@ inline void ProgramMatcher::MakeRoom(std::size_t count) {
 
 [[gnu::noinline]] void ProgramMatcher::GrowRoom(std::size_t count) {
   const std::size_t pending = CountPending();
-  m_firstPending = m_result.MakeElementRoom(pending + count);
-  m_roomEnd = m_firstPending + m_result.GetElementRoom();
+  m_firstPending = m_result->MakeElementRoom(pending + count);
+  m_roomEnd = m_firstPending + m_result->GetElementRoom();
   CutPending(pending);
 }
 
 inline void ProgramMatcher::Begin(std::uint32_t record, std::uint32_t position) {
   m_block = position;
   m_parent = record;
-  m_firstPending = m_result.MakeElementRoom(0);
-  m_roomEnd = m_firstPending + m_result.GetElementRoom();
+  m_firstPending = m_result->MakeElementRoom(0);
+  m_roomEnd = m_firstPending + m_result->GetElementRoom();
   CutPending(0);
   m_passedOver = false;
 }
 
 void ProgramMatcher::TakePending() {
-  m_result.AdvanceElements(CountPending());
+  m_result->AdvanceElements(CountPending());
   m_firstPending = m_out;
 }
 

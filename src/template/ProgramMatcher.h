@@ -23,7 +23,10 @@ struct NestedAttempt {
 /// result's element bytes. The outcome is that of CTNTemplateRecord::Match in every case.
 class ProgramMatcher {
  public:
-  ProgramMatcher(const MatchProgram& program, CTNParsedResult& result);
+  /// The text is that of the result, which is set before anything is matched.
+  ProgramMatcher(const MatchProgram& program, const CTNInputText& text);
+  /// Where elements go from now on.
+  void SetResult(CTNParsedResult& result) { m_result = &result; }
 
   /// Matches a record at a position of the text. On success the result is the position behind it,
   /// and its elements are pending; on failure the result is kFailed and nothing is.
@@ -35,6 +38,10 @@ class ProgramMatcher {
   void TakePending();
 
   const std::vector<NestedAttempt>& GetNestedAttempts() const { return m_attempts; }
+  /// Takes over an attempt that another matcher made at this or a later block.
+  void NoteAttempt(std::uint32_t record, const NestedAttempt& attempt) {
+    m_attempts[record] = attempt;
+  }
 
  private:
   /// What is known of a scan: behind `from` nothing matches before `clear`, where it was found that
@@ -96,7 +103,7 @@ class ProgramMatcher {
   }
 
   const MatchProgram& m_program;
-  CTNParsedResult& m_result;
+  CTNParsedResult* m_result = nullptr;  // Not owned.
   const char* m_begin;
   const char* m_end;
   std::uint8_t* m_firstPending = nullptr;  // Where the result's next elements go,

@@ -13,10 +13,17 @@ std::vector<std::string> Application::Readable() const {
   return texts;
 }
 
-Application ApplyToText(CTNParserTemplate& document, std::string_view text) {
+ApplicationPurpose WithThreads(ResultUse use) {
+  ApplicationPurpose purpose(use, ApplicationPurpose::kNoLimit, 3);
+  purpose.pieceSize = 5;
+  return purpose;
+}
+
+Application ApplyToText(CTNParserTemplate& document, std::string_view text,
+                        const ApplicationPurpose& purpose) {
   Application application;
   CTNStringCharBuffIter cursor(text);
-  document.BeginApplication(cursor.GetText(), application.blocks, ResultUse::Kept);
+  document.BeginApplication(cursor.GetText(), application.blocks, purpose);
   application.done =
       document.ParseFile(cursor, application.blocks, application.error, application.cancelled);
   document.EndApplication(application.blocks);

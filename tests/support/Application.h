@@ -78,7 +78,10 @@ struct Application {
   /// Every block in its readable form, "E1{F1=R12|F2=}".
   std::vector<std::string> Readable() const;
 };
-Application ApplyToText(CTNParserTemplate& document, std::string_view text);
+Application ApplyToText(CTNParserTemplate& document, std::string_view text,
+                        const ApplicationPurpose& purpose = {});
+/// How a template is applied with more threads than one, also to a short text.
+ApplicationPurpose WithThreads(ResultUse use = ResultUse::Kept);
 
 /// The same with the plain matcher, block by block as the block loop is defined: the reference that
 /// the compiled matcher is compared with.

@@ -346,6 +346,26 @@ std::string MakeRandomText(Chooser& choose, const CTNParserTemplate& document,
   return text;
 }
 
+namespace {
+
+/// In what several threads differ from one.
+std::string DifferenceOfThreads(CTNParserTemplate& document, std::string_view text,
+                                const Application& alone, const std::vector<std::string>& values,
+                                const std::vector<std::string>& singles) {
+  ClearAllValues(document);
+  const Application shared = ApplyToText(document, text, WithThreads());
+  std::string difference;
+  difference += Compare("blocks of threads", shared.Readable(), alone.Readable());
+  difference += Compare("failures of threads", {shared.error}, {alone.error});
+  difference += Compare("counts of threads", Counts(shared.blocks.GetStats()),
+                        Counts(alone.blocks.GetStats()));
+  difference += Compare("single-match blocks of threads", SingleBlocks(document), singles);
+  difference += Compare("values of threads", ShownValues(document), values);
+  return difference;
+}
+
+}  // namespace
+
 std::string FindDifference(CTNParserTemplate& document, std::string_view text) {
   ClearAllValues(document);
   const Application application = ApplyToText(document, text);
@@ -355,10 +375,11 @@ std::string FindDifference(CTNParserTemplate& document, std::string_view text) {
   const std::string plainEntities = EntityListPlainly(application);
   const std::vector<std::string> counts = Counts(application.blocks.GetStats());
   const std::vector<std::string> countsAlone = CountOnly(document, text);
+  std::string difference = DifferenceOfThreads(document, text, application, values, singles);
   ClearAllValues(document);
   const std::vector<std::string> plain = ApplyPlainly(document, text);
 
-  std::string difference = Compare("blocks", application.Readable(), plain);
+  difference += Compare("blocks", application.Readable(), plain);
   difference += Compare("entity lists", {entities}, {plainEntities});
   difference += Compare("counts", counts, countsAlone);
   difference += Compare("single-match blocks", singles, SingleBlocks(document));
