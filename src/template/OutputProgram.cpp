@@ -343,18 +343,20 @@ inline std::uint32_t OutputProgram::TakeField(Reading& at) {
   return length;
 }
 
-/// Moves behind the elements of the instances of a sub-record.
-void OutputProgram::SkipInstances(std::uint32_t record, Reading& at) const {
+/// Where the elements of the instances of a sub-record end. By value, so that the compiler can hold
+/// it in registers.
+OutputProgram::Reading OutputProgram::SkipInstances(std::uint32_t record, Reading at) const {
   const SubRecords& subRecords = m_subRecords[record];
   while (*at.elements++ == element_code::kInstance) {
     for (const std::uint32_t sub : subRecords) {
       if (sub == kNone) {
         TakeField(at);
       } else {
-        SkipInstances(sub, at);
+        at = SkipInstances(sub, at);
       }
     }
   }
+  return at;
 }
 
 /// Notes where the fields of one block are, and moves behind its elements.
@@ -365,7 +367,7 @@ inline void OutputProgram::FindFields(const SubRecords& subRecords, Slot* slot, 
       slot->length = TakeField(at);
     } else {
       slot->elements = static_cast<std::uint32_t>(at.elements - m_result.ElementBytes());
-      SkipInstances(sub, at);
+      at = SkipInstances(sub, at);
     }
     ++slot;
   }

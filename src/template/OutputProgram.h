@@ -70,7 +70,7 @@ class OutputProgram {
   class Output;
 
   static std::uint32_t TakeField(Reading& at);
-  void SkipInstances(std::uint32_t record, Reading& at) const;
+  Reading SkipInstances(std::uint32_t record, Reading at) const;
   void FindFields(const SubRecords& subRecords, Slot* slot, Reading& at) const;
   void WriteBlocks(std::size_t first, std::size_t last, Output& out) const;
   void WriteBlock(std::uint32_t index, Reading at, Output& out) const;

@@ -151,13 +151,16 @@ class RunFinder {
 inline const char* FindChar(const char* from, const char* end, char wanted) {
 #if defined(__SSE2__)
   using namespace chars_at_once;
-  const unsigned near = Bits(Are(Load(from), wanted));
-  if (near != 0) {
-    const char* const found = from + std::countr_zero(near);
-    return found < end ? found : end;
+  constexpr int kNear = 3;
+  for (int i = 0; i < kNear; ++i) {
+    const unsigned near = Bits(Are(Load(from), wanted));
+    if (near != 0) {
+      const char* const found = from + std::countr_zero(near);
+      return found < end ? found : end;
+    }
+    if (end - from <= static_cast<std::ptrdiff_t>(kCharsAtOnce)) return end;
+    from += kCharsAtOnce;
   }
-  if (end - from <= static_cast<std::ptrdiff_t>(kCharsAtOnce)) return end;
-  from += kCharsAtOnce;
 #endif
   const void* const found = std::memchr(from, wanted, static_cast<std::size_t>(end - from));
   return found != nullptr ? static_cast<const char*>(found) : end;
