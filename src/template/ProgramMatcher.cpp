@@ -54,6 +54,7 @@ inline void ProgramMatcher::Begin(std::uint32_t record, std::uint32_t position) 
   m_firstPending = m_result->MakeElementRoom(0);
   m_roomEnd = m_firstPending + m_result->GetElementRoom();
   CutPending(0);
+  m_mayPassOver = true;
   m_passedOver = false;
 }
 
@@ -72,7 +73,6 @@ std::uint32_t ProgramMatcher::Match(std::uint32_t record, std::uint32_t position
     CutPending(0);
     m_mayPassOver = false;
     end = MatchRecord(m_program.GetRecord(record), m_begin + position);
-    m_mayPassOver = true;
   }
   if (end != nullptr) return PositionOf(end);
   CutPending(0);
@@ -115,7 +115,8 @@ const char* ProgramMatcher::MatchRecord(const RecordOp& record, const char* at) 
   return at;
 }
 
-/// Matches a field that is no sub-record; the place behind it, or null.
+/// Matches a field that is no sub-record; the place behind it, or null. Always inline, and what is
+/// called rarely never: a call for every field takes as long as matching it.
 [[gnu::always_inline]] inline const char* ProgramMatcher::MatchField(const FieldOp& op,
                                                                      const char* at) {
   assert(at != nullptr);
