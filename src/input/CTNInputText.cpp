@@ -9,6 +9,9 @@ namespace bomparser {
 
 /// Where the bytes are: the one or the other.
 struct CTNInputText::Storage {
+  explicit Storage(GrowArray<char> read) : bytes(std::move(read)) {}
+  explicit Storage(MappedFile mapped) : file(std::move(mapped)) {}
+
   GrowArray<char> bytes;
   MappedFile file;
 };
@@ -22,15 +25,14 @@ CTNInputText::CTNInputText(std::shared_ptr<const Storage> storage, std::uint32_t
 std::shared_ptr<const CTNInputText> CTNInputText::Adopt(GrowArray<char> bytes) {
   std::memset(bytes.MakeRoom(kRoomBehind), '\n', kRoomBehind);
   const auto size = static_cast<std::uint32_t>(bytes.Size());
-  return std::make_shared<const CTNInputText>(
-      std::make_shared<const Storage>(std::move(bytes), MappedFile()), size);
+  return std::make_shared<const CTNInputText>(std::make_shared<const Storage>(std::move(bytes)),
+                                              size);
 }
 
 std::shared_ptr<const CTNInputText> CTNInputText::Adopt(MappedFile file, std::size_t size) {
   std::memset(file.Data() + size, '\n', kRoomBehind);
-  return std::make_shared<const CTNInputText>(
-      std::make_shared<const Storage>(GrowArray<char>(), std::move(file)),
-      static_cast<std::uint32_t>(size));
+  return std::make_shared<const CTNInputText>(std::make_shared<const Storage>(std::move(file)),
+                                              static_cast<std::uint32_t>(size));
 }
 
 std::shared_ptr<const CTNInputText> CTNInputText::Copy(std::string_view text) {

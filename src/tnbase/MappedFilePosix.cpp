@@ -32,8 +32,8 @@ std::size_t WholePages(std::size_t bytes) { return (bytes + kPage - 1) / kPage *
 
 /// Puts a page of line feeds where the file has none any more: a run of characters that is being
 /// read ends there, as at the end of every text.
-bool Patch(Watched& file, std::uintptr_t address) {
-  void* const page = reinterpret_cast<void*>(address / kPage * kPage);
+bool Patch(Watched& file, char* address) {
+  char* const page = address - reinterpret_cast<std::uintptr_t>(address) % kPage;
   if (::mmap(page, kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) ==
       MAP_FAILED) {
     return false;
@@ -44,9 +44,10 @@ bool Patch(Watched& file, std::uintptr_t address) {
 }
 
 void OnBusError(int, siginfo_t* info, void*) {
-  const auto address = reinterpret_cast<std::uintptr_t>(info->si_addr);
+  auto* const address = static_cast<char*>(info->si_addr);
+  const auto place = reinterpret_cast<std::uintptr_t>(address);
   for (Watched& file : g_watched) {
-    if (address >= file.begin.load() && address < file.end.load() && Patch(file, address)) return;
+    if (place >= file.begin.load() && place < file.end.load() && Patch(file, address)) return;
   }
   // Not ours: it happens once more, to whoever was asked before.
   ::sigaction(SIGBUS, &g_before, nullptr);

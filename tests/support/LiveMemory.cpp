@@ -22,7 +22,8 @@ struct UncountedMemory {
   template <class Other>
   UncountedMemory(const UncountedMemory<Other>&) {}
   T* allocate(std::size_t count) {
-    void* const memory = std::malloc(count * sizeof(T));
+    constexpr std::size_t kSize = sizeof(T);  // NOLINT(bugprone-sizeof-expression): pointers too.
+    void* const memory = std::malloc(count * kSize);
     if (memory == nullptr) throw std::bad_alloc();
     return static_cast<T*>(memory);
   }

@@ -196,9 +196,10 @@ TEST(RecordTypes, NoOtherTypeNeedsAnyTag) {
 
 TEST(RecordTypes, NoShapeOutsideTheTableNeedsATag) {
   for (const int shape : {kNoShape, -2, 9, 11, 13, 14, 22, 1000}) {
-    for (int code = -1; code <= kLastTriedTag; ++code)
+    for (int code = -1; code <= kLastTriedTag; ++code) {
       EXPECT_FALSE(GetTagsRequiredByShape(shape).Has(static_cast<OutputTag>(code)))
           << shape << code;
+    }
   }
 }
 
