@@ -68,7 +68,7 @@ ExitStatus ApplyTo(Session& session, const Options& options, const std::string& 
 
 ExitStatus RunApply(const Options& options) {
   Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
-  session.SetThreads(options.threads);
+  session.WorkAtFullSpeed(options.threads);
   if (!session.LoadTemplate(*options.templateFile)) return ExitStatus::Failed;
   WarnOfInvalidRecords(session.GetEngine());
   if (options.inputs.size() > 1 && !TargetsDiffer(options)) return ExitStatus::Failed;

@@ -89,7 +89,7 @@ ExitStatus WriteResults(Session& session, const Options& options) {
 ExitStatus RunFind(const Options& options) {
   if (!EachFileHasItsPlace(options, {})) return ExitStatus::Failed;
   Session session(options.sideCopy ? SideCopy::Yes : SideCopy::No);
-  session.SetThreads(options.threads);
+  session.WorkAtFullSpeed(options.threads);
   session.GetEngine().SetTemplateSearchPath(options.searchFolder);
   const ExitStatus status = Search(session, options.inputs.front());
   if (status != ExitStatus::Done) return status;

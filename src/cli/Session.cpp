@@ -15,10 +15,10 @@ ExitStatus TellFailure(const std::string& input, const std::string& error) {
 Session::Session(SideCopy sideCopy) : m_frontEnd(sideCopy), m_engine(&m_frontEnd) {
   m_engine.SetSideCopy(sideCopy);
   m_engine.GetTemplate()->SetKeepCurrentValues(false);
-  m_engine.GetInputFile()->SetMapping(true);
 }
 
-void Session::SetThreads(std::int32_t threads) {
+void Session::WorkAtFullSpeed(std::int32_t threads) {
+  m_engine.GetInputFile()->SetMapping(true);
   m_engine.SetThreads(threads > 0 ? static_cast<unsigned>(threads) : CountUsableProcessors());
 }
 

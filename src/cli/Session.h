@@ -16,8 +16,8 @@ class Session {
   explicit Session(SideCopy sideCopy = SideCopy::No);
 
   CTNFileParserEngine& GetEngine() { return m_engine; }
-  /// How many threads may work; 0 for as many as there are processors.
-  void SetThreads(std::int32_t threads);
+  /// Maps inputs into memory and lets so many threads work; 0 for as many as there are processors.
+  void WorkAtFullSpeed(std::int32_t threads);
   /// Whether errors that are to be shown at once are. Usually commands tell them when they fail.
   void TellAtOnce(bool tell) { m_frontEnd.TellAtOnce(tell); }
   /// False when the template does not load; the error log is printed then.

@@ -183,16 +183,16 @@ void CTNFileParserEngine::WriteOwedSideCopy(const std::function<bool()>& mayGoOn
   bool putOff = false;
   std::string nobodyToTell;
   Guard(nobodyToTell, [&] {
-    std::string& error = nobodyToTell;
     std::string folder;
     AtomicFile file;
     const auto write = [&](std::string_view piece) {
       putOff = mayGoOn && !mayGoOn();
-      return !putOff && file.Write(piece, error);
+      return !putOff && file.Write(piece, nobodyToTell);
     };
-    return m_sideFolder.GetPath(folder, error) &&
-           file.Open(folder + '/' + m_owedCopy->name, AtomicFile::Durability::Renamed, error) &&
-           m_owedCopy->list.Write(write) && file.Commit(error);
+    return m_sideFolder.GetPath(folder, nobodyToTell) &&
+           file.Open(folder + '/' + m_owedCopy->name, AtomicFile::Durability::Renamed,
+                     nobodyToTell) &&
+           m_owedCopy->list.Write(write) && file.Commit(nobodyToTell);
   });
   // Whether it could be written is of no consequence: the page that shows it says so.
   if (!putOff) m_owedCopy = nullptr;
@@ -225,9 +225,11 @@ ApplicationStats CTNFileParserEngine::GetStats() const {
 bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_view)>& sink,
                                           std::string& error) const {
   return m_valid && Guard(error, [&] {
-           return EntityListWriter(m_inputFile->GetBlocks().GetResult(), m_inputFile->IsStale())
-                      .Write(sink, m_threads) &&
-                  m_inputFile->IsTextIntact(error);
+           const auto result = m_inputFile->GetBlocks().GetResult();
+           if (EntityListWriter(result, m_inputFile->IsStale()).Write(sink, m_threads)) return true;
+           // The sink knows why, if it was the sink.
+           if (result && !result->GetText()->IsIntact()) m_inputFile->IsTextIntact(error);
+           return false;
          });
 }
 

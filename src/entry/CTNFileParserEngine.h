@@ -6,6 +6,7 @@
 #include "template/CTNParserTemplate.h"
 #include "tnbase/PrivateFolder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -44,6 +45,7 @@ enum class SideCopy { No, Yes };
 class CTNFileParserEngine final : public CTNParserContext {
  public:
   static constexpr int kDefaultTabStop = 8;
+  static constexpr unsigned kMostThreads = 64;
 
   explicit CTNFileParserEngine(CTNFrontEnd* frontEnd = nullptr);
   virtual ~CTNFileParserEngine();
@@ -104,9 +106,9 @@ class CTNFileParserEngine final : public CTNParserContext {
   void WriteOwedSideCopy(const std::function<bool()>& mayGoOn = {});
 
   void SetSideCopy(SideCopy sideCopy) { m_sideCopy = sideCopy; }
-  /// How many threads may work on one application or list, the caller's included; 1 at first. What
-  /// comes out is the same for any number.
-  void SetThreads(unsigned threads) { m_threads = threads; }
+  /// How many threads may work on one application or list, the caller's included; 1 at first, and
+  /// 64 at most. What comes out is the same for any number.
+  void SetThreads(unsigned threads) { m_threads = std::clamp(threads, 1U, kMostThreads); }
   const std::string& GetTemplateSearchPath() const { return m_searchPath; }
   void SetTemplateSearchPath(const std::string& path) { m_searchPath = path; }
   void SetTabStop(int tabStop) { m_tabStop = tabStop; }

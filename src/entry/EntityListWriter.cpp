@@ -19,7 +19,8 @@ EntityListWriter::EntityListWriter(std::shared_ptr<const CTNParsedResult> result
 bool EntityListWriter::Write(const Sink& sink, unsigned threads) const {
   if (!m_result) return sink(std::string(kOpeningTag).append(kClosingTag));
   if (!m_program) return WriteStale(sink);
-  return m_program->Write(kOpeningTag, kClosingTag, sink, threads);
+  return m_program->Write(kOpeningTag, kClosingTag, sink, threads) &&
+         m_result->GetText()->IsIntact();
 }
 
 bool EntityListWriter::WriteStale(const Sink& sink) const {

@@ -24,7 +24,8 @@ class EntityListWriter {
   /// Without a result the list is empty. Throws std::bad_alloc.
   EntityListWriter(std::shared_ptr<const CTNParsedResult> result, bool stale);
 
-  /// False when the sink stopped it. So many threads may work on it.
+  /// False when the sink stopped it, or when the text was not intact all the time. So many threads
+  /// may work on it.
   bool Write(const Sink& sink, unsigned threads = 1) const;
 
  private:

@@ -18,9 +18,10 @@ struct CTNInputText::Storage {
 
 CTNInputText::CTNInputText(std::shared_ptr<const Storage> storage, std::uint32_t size)
     : m_storage(std::move(storage)),
-      m_file(&m_storage->file),
-      m_data(m_file->IsMapped() ? m_file->Data() : m_storage->bytes.Data()),
+      m_data(m_storage->file.IsMapped() ? m_storage->file.Data() : m_storage->bytes.Data()),
       m_size(size) {}
+
+bool CTNInputText::IsIntact() const { return !m_storage->file.IsCutShort(); }
 
 std::shared_ptr<const CTNInputText> CTNInputText::Adopt(GrowArray<char> bytes) {
   std::memset(bytes.MakeRoom(kRoomBehind), '\n', kRoomBehind);

@@ -35,19 +35,15 @@ class CTNInputText {
   const char* Data() const { return m_data; }
   std::uint32_t Size() const { return m_size; }
   std::string_view View() const { return {Data(), m_size}; }
-  /// False once bytes were asked for that a mapped file does not have any more: the text is not
-  /// what it was, and nothing that was made of it counts.
-  bool IsIntact() const { return !m_file->IsDamaged(); }
+  /// False once a mapped file has been cut short: the text is not what it was, and nothing that was
+  /// made of it counts.
+  bool IsIntact() const;
 
- private:
   struct Storage;
-
- public:
   CTNInputText(std::shared_ptr<const Storage> storage, std::uint32_t size);
 
  private:
   std::shared_ptr<const Storage> m_storage;
-  const MappedFile* m_file;
   const char* m_data;
   std::uint32_t m_size;
 };

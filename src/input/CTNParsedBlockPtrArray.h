@@ -24,9 +24,10 @@ struct ApplicationPurpose {
   ResultUse use;
   /// The application is given up, as done, once it has more unmatched blocks than this.
   std::uint32_t mostUnmatched;
-  /// How many threads may work on it. The result is the same for any number.
+  /// How many threads may work on it, 1 or more. The result is the same for any number.
   unsigned threads;
-  /// Threads share the text in pieces of this many bytes; one of less than four is left to one.
+  /// Threads share the text in pieces of this many bytes, 1 or more; one of less than four is left
+  /// to one thread.
   std::uint32_t pieceSize = 256U << 10;
 };
 

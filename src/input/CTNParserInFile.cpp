@@ -203,7 +203,6 @@ bool CTNParserInFile::ScanOrBringBack(Application& run, bool& done) {
   m_applied = false;
   try {
     done = Scan(run);
-    done = IsTextIntact(run.error) && done;
   } catch (const std::bad_alloc&) {
     run.error = GetMessageText(Msg::NoMemoryForBlock);
   }
@@ -226,6 +225,12 @@ bool CTNParserInFile::Scan(Application& run) {
     m_blocks.RemoveAll();
     return false;
   }
+  const bool done = Translate(run, limits);
+  return IsTextIntact(run.error) && done;
+}
+
+/// Gives the text that was read to the template.
+bool CTNParserInFile::Translate(Application& run, const LineLimits& limits) {
   if (run.progress != nullptr) {
     if (run.progress->IsCancelled()) return false;
     DescribeWork(run.toApply, *run.progress);

@@ -69,6 +69,7 @@ class CTNParserInFile final : public CTNTextFile, public CTNParserArrayElement {
 
   bool ScanOrBringBack(Application& run, bool& done);
   bool Scan(Application& run);
+  bool Translate(Application& run, const LineLimits& limits);
   bool TakeIgnoredLines(Application& run, std::uint32_t count);
   bool TakeTrailingLines(Application& run);
   std::unique_ptr<CTNProgress> ShowWindow(CTNFrontEnd* frontEnd) const;

@@ -79,10 +79,9 @@ std::shared_ptr<const CTNInputText> CTNTextFile::MapAll() {
   MappedFile file;
   std::size_t size = 0;
   if (!m_source.Map(file, size, kTooLong - 1, CTNInputText::kRoomBehind)) return nullptr;
-  const char* const end = FoldLineEnds(file.Data(), file.Data() + size);
-  size = static_cast<std::size_t>(end - file.Data());
-  auto text = CTNInputText::Adopt(std::move(file), size);
-  return text;
+  // Folding would copy every page: such a file is read.
+  if (std::memchr(file.Data(), '\r', size) != nullptr) return nullptr;
+  return CTNInputText::Adopt(std::move(file), size);
 }
 
 }  // namespace bomparser

@@ -31,7 +31,8 @@ class CTNTextFile {
   /// While on, the file is not read again: for trying many templates on one text.
   void HoldText(bool on);
   /// Whether long files are mapped into memory and not read, which is faster. What others write to
-  /// the file meanwhile may show then, so it is for programs that come to an end soon.
+  /// the file meanwhile may show in the text then, and who uses the text asks
+  /// CTNInputText::IsIntact before what was made of it counts.
   void SetMapping(bool on) { m_mapping = on; }
 
  protected:

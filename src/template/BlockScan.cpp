@@ -45,8 +45,8 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
   previous = std::int64_t{position} - 1;
   if (m_purpose.threads > 1 && position < end &&
       PiecesAhead::IsWorthwhile(end - position, m_purpose.pieceSize)) {
-    m_ahead.emplace(m_program, m_result.GetText(), position, end, m_purpose.pieceSize,
-                    m_purpose.threads - 1);
+    m_ahead.emplace(m_program, m_result.GetText(), position, end, m_purpose,
+                    m_blocks.GetProgress());
   }
   Outcome outcome = Outcome::Done;
   while (position < end && outcome == Outcome::Done && !m_givenUp) {

@@ -25,10 +25,11 @@ constexpr std::size_t kMostTexts = std::size_t{1} << 31;
 /// Text is handed on in pieces of this size: large enough for the system, small enough for the
 /// processor's cache.
 constexpr std::size_t kPiece = std::size_t{256} << 10;
-/// Threads share the blocks in parts of so many; a list of a few parts is not worth their start.
-constexpr std::size_t kBlocksPerPart = 1024;
-constexpr std::size_t kPartsWorthThreads = 8;
-constexpr std::size_t kPartsPerWorker = 4;
+/// Threads share the list in parts of so much text of the input, whose list is a few times as long.
+constexpr std::uint32_t kPartOfText = 64U << 10;
+constexpr std::uint32_t kWorthSharing = 8 * kPartOfText;
+constexpr std::uint32_t kLongestPart = 16 * kPartOfText;
+constexpr std::size_t kPartsPerThread = 4;
 /// Short texts are copied in one go of this many bytes; what is too much is overwritten next.
 constexpr std::size_t kShort = 32;
 static_assert(kShort <= CTNInputText::kSlack);
@@ -230,12 +231,19 @@ class OutputProgram::Output {
 
   void Add(std::string_view text) {
     if (kPiece - m_size < text.size()) Flush();
-    if (text.size() > kPiece) {
-      HandOn(text);
-      return;
+    // By way of the piece: where a mapped file has been cut short, the system's call could not read
+    // the text.
+    for (; text.size() > kPiece; text.remove_prefix(kPiece)) {
+      std::memcpy(m_piece.get(), text.data(), kPiece);
+      HandOn({m_piece.get(), kPiece});
     }
     if (!text.empty()) std::memcpy(m_piece.get() + m_size, text.data(), text.size());
     m_size += text.size();
+  }
+
+  /// The same for a long text that is in memory, when nothing is gathered.
+  void AddAsItIs(std::string_view text) {
+    if (!text.empty()) HandOn(text);
   }
 
   /// Slots for the fields of one block, or of a block inside it. They are a stack: the place of the
@@ -290,33 +298,50 @@ class OutputProgram::Output {
 
 bool OutputProgram::Write(std::string_view before, std::string_view after, const Sink& sink,
                           unsigned threads) const {
-  const std::size_t blocks = m_result.GetBlockCount();
-  const std::size_t parts = (blocks + kBlocksPerPart - 1) / kBlocksPerPart;
-  const auto writePart = [this, blocks](std::size_t part, Output& out) {
-    WriteBlocks(part * kBlocksPerPart, std::min((part + 1) * kBlocksPerPart, blocks), out);
-  };
-  const auto makePart = [&writePart](std::size_t, std::size_t part, std::string& text) {
+  const std::vector<std::size_t> starts = StartsOfParts(threads > 1);
+  const std::size_t parts = starts.size() - 1;
+  const auto makePart = [this, &starts](std::size_t, std::size_t part, std::string& text) {
+    // What is very long is not gathered: it goes out as it is made.
+    if (TextBetween(starts[part], starts[part + 1]) > kLongestPart) return false;
     text.clear();
     const Sink gather = [&text](std::string_view piece) { return text.append(piece), true; };
     Output out(gather);
-    writePart(part, out);
-    out.Flush();
+    WriteBlocks(starts[part], starts[part + 1], out);
+    return out.Flush();
   };
-  const std::size_t workers = parts < kPartsWorthThreads ? 0 : threads - 1;
-  WorkAhead<std::string> ahead(workers, parts, kPartsPerWorker * (workers + 1), makePart);
+  const std::size_t workers = std::min<std::size_t>(threads, parts) - 1;
+  WorkAhead<std::string> ahead(workers, parts, kPartsPerThread * (workers + 1), makePart);
   Output out(sink);
   out.Add(before);
   for (std::size_t part = 0; part < parts && out.IsGoing(); ++part) {
     const std::string* const made = ahead.Take(part);
     if (made == nullptr) {
-      writePart(part, out);
+      WriteBlocks(starts[part], starts[part + 1], out);
     } else {
       out.Flush();
-      out.Add(*made);
+      out.AddAsItIs(*made);
     }
   }
   out.Add(after);
   return out.Flush();
+}
+
+std::uint32_t OutputProgram::TextBetween(std::size_t first, std::size_t last) const {
+  return m_result.GetTextEnd(last - 1) - m_result.GetEntry(first).text;
+}
+
+/// The first blocks of the parts that threads share, and the number of blocks. One part at least,
+/// and one only where they do not share or where it is not worth it.
+std::vector<std::size_t> OutputProgram::StartsOfParts(bool shared) const {
+  const std::size_t blocks = m_result.GetBlockCount();
+  std::vector<std::size_t> starts{0};
+  if (shared && blocks > 0 && TextBetween(0, blocks) >= kWorthSharing) {
+    for (std::size_t i = 1; i < blocks; ++i) {
+      if (TextBetween(starts.back(), i) >= kPartOfText) starts.push_back(i);
+    }
+  }
+  starts.push_back(blocks);
+  return starts;
 }
 
 void OutputProgram::WriteBlocks(std::size_t first, std::size_t last, Output& out) const {

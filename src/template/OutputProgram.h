@@ -72,6 +72,8 @@ class OutputProgram {
   static std::uint32_t TakeField(Reading& at);
   Reading SkipInstances(std::uint32_t record, Reading at) const;
   void FindFields(const SubRecords& subRecords, Slot* slot, Reading& at) const;
+  std::uint32_t TextBetween(std::size_t first, std::size_t last) const;
+  std::vector<std::size_t> StartsOfParts(bool shared) const;
   void WriteBlocks(std::size_t first, std::size_t last, Output& out) const;
   void WriteBlock(std::uint32_t index, Reading at, Output& out) const;
   void WriteInstances(std::uint32_t index, const Slot& first, Output& out) const;

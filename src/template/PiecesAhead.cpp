@@ -11,17 +11,33 @@ constexpr std::size_t kPiecesPerWorker = 4;
 }  // namespace
 
 PiecesAhead::PiecesAhead(const MatchProgram& program, std::shared_ptr<const CTNInputText> text,
-                         std::uint32_t begin, std::uint32_t end, std::uint32_t pieceSize,
-                         std::size_t workers)
+                         std::uint32_t begin, std::uint32_t end, const ApplicationPurpose& purpose,
+                         const CTNProgress* progress)
     : m_program(program),
       m_text(std::move(text)),
-      m_starts(StartsOfPieces(*m_text, begin, end, pieceSize)),
+      m_progress(progress),
+      m_starts(StartsOfPieces(*m_text, begin, end, purpose.pieceSize)),
       m_singles(program.GetRecordCount()),
-      m_takers(workers + 1, BlockTaker(program, *m_text)),
-      m_work(workers, m_starts.size() - 1, kPiecesPerWorker * workers,
-             [this](std::size_t worker, std::size_t index, Piece& piece) {
-               Cut(worker, index, piece);
-             }) {}
+      m_takers(CountWorkers(purpose) + 1, BlockTaker(program, *m_text)),
+      m_work(
+          CountWorkers(purpose), m_starts.size() - 1,
+          kPiecesPerWorker * (CountWorkers(purpose) + 1),
+          [this](std::size_t worker, std::size_t index, Piece& piece) {
+            return Cut(worker, index, piece);
+          },
+          [this] { return IsEnded(m_takers.size() - 1); }) {}
+
+/// Threads beside the consumer's; no more than there are pieces.
+std::size_t PiecesAhead::CountWorkers(const ApplicationPurpose& purpose) const {
+  return std::min<std::size_t>(purpose.threads, m_starts.size() - 1) - 1;
+}
+
+/// True when nobody needs the pieces any more.
+bool PiecesAhead::IsEnded(std::size_t worker) {
+  const bool isConsumer = worker + 1 == m_takers.size();
+  if (isConsumer && m_progress != nullptr && m_progress->IsCancelled()) m_ended = true;
+  return m_ended;
+}
 
 /// Where the pieces start, at line starts, and where the last one ends.
 std::vector<std::uint32_t> PiecesAhead::StartsOfPieces(const CTNInputText& text,
@@ -44,7 +60,7 @@ void PiecesAhead::NoteSingles(const std::vector<bool>& singles) {
   m_singles = singles;
 }
 
-void PiecesAhead::Cut(std::size_t worker, std::size_t index, Piece& piece) {
+bool PiecesAhead::Cut(std::size_t worker, std::size_t index, Piece& piece) {
   {
     const std::lock_guard lock(m_mutex);
     piece.singles = m_singles;
@@ -55,7 +71,7 @@ void PiecesAhead::Cut(std::size_t worker, std::size_t index, Piece& piece) {
   BlockTaker& taker = m_takers[worker];
   taker.SetSingles(piece.singles);
   taker.GetMatcher().SetResult(*piece.result);
-  CutBlocks(taker, m_starts[index], m_starts[index + 1], piece);
+  CutBlocks(worker, m_starts[index], m_starts[index + 1], piece);
   const auto& attempts = taker.GetMatcher().GetNestedAttempts();
   for (std::uint32_t record = 0; record < attempts.size(); ++record) {
     const NestedAttempt& last = attempts[record];
@@ -63,17 +79,20 @@ void PiecesAhead::Cut(std::size_t worker, std::size_t index, Piece& piece) {
       piece.attempts.emplace_back(record, last);
     }
   }
+  return true;
 }
 
-void PiecesAhead::CutBlocks(BlockTaker& taker, std::uint32_t position, std::uint32_t end,
-                            Piece& piece) const {
+void PiecesAhead::CutBlocks(std::size_t worker, std::uint32_t position, std::uint32_t end,
+                            Piece& piece) {
+  BlockTaker& taker = m_takers[worker];
   CTNParsedResult& result = *piece.result;
-  while (position < end) {
+  while (position < end && !IsEnded(worker)) {
     const std::uint32_t elements = result.ElementEnd();
     const BlockTaker::Taken taken = taker.Take(position);
     // What cannot go on is left to who cuts the whole, and tells of it.
     if (taken.end == ProgramMatcher::kFailed || taken.end <= position) return;
     taker.GetMatcher().TakePending();
+    result.CheckElementCount();
     const RecordOp& record = m_program.GetRecord(taken.record);
     piece.rows.push_back(
         record.oneLine ? 1 : result.CountRows(position, taken.end, elements, taken.record));

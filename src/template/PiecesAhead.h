@@ -1,9 +1,10 @@
 #pragma once
 
-#include "input/CTNParsedResult.h"
+#include "input/CTNParsedBlockPtrArray.h"
 #include "template/BlockTaker.h"
 #include "tnbase/WorkAhead.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -25,9 +26,14 @@ class PiecesAhead {
   static bool IsWorthwhile(std::uint32_t size, std::uint32_t pieceSize) {
     return size / pieceSize >= 4;
   }
-  /// Of the text from `begin` to `end`. The program and the text outlive it.
+  /// Of the text from `begin` to `end`. The program, the text and the progress, which may be null,
+  /// outlive it. A cancel ends the work on all pieces at once.
   PiecesAhead(const MatchProgram& program, std::shared_ptr<const CTNInputText> text,
-              std::uint32_t begin, std::uint32_t end, std::uint32_t pieceSize, std::size_t workers);
+              std::uint32_t begin, std::uint32_t end, const ApplicationPurpose& purpose,
+              const CTNProgress* progress);
+  ~PiecesAhead() { m_ended = true; }
+  PiecesAhead(const PiecesAhead&) = delete;
+  PiecesAhead& operator=(const PiecesAhead&) = delete;
 
   /// Blocks of a piece, from one on, that may be taken over.
   class Blocks {
@@ -69,12 +75,16 @@ class PiecesAhead {
 
   static std::vector<std::uint32_t> StartsOfPieces(const CTNInputText& text, std::uint32_t begin,
                                                    std::uint32_t end, std::uint32_t size);
-  void Cut(std::size_t worker, std::size_t index, Piece& piece);
-  void CutBlocks(BlockTaker& taker, std::uint32_t position, std::uint32_t end, Piece& piece) const;
+  bool Cut(std::size_t worker, std::size_t index, Piece& piece);
+  void CutBlocks(std::size_t worker, std::uint32_t position, std::uint32_t end, Piece& piece);
+  bool IsEnded(std::size_t worker);
+  std::size_t CountWorkers(const ApplicationPurpose& purpose) const;
   void TurnTo(std::uint32_t position);
 
   const MatchProgram& m_program;
   const std::shared_ptr<const CTNInputText> m_text;
+  const CTNProgress* const m_progress;  // Not owned; only the consumer's thread asks it.
+  std::atomic<bool> m_ended{false};
   const std::vector<std::uint32_t> m_starts;  // Of the pieces, and the end.
   std::mutex m_mutex;
   std::vector<bool> m_singles;       // That have matched by now; under the mutex.

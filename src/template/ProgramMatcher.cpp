@@ -327,7 +327,11 @@ const char* ProgramMatcher::MatchNested(const FieldOp& op, const char* at) {
   const char* matched = nullptr;
   std::size_t count = 0;
   for (const char* before = at;;) {
-    if (count++ >= kShortRow) before = PassOver(m_rows[op.memory], before, count == kShortRow + 1);
+    if (++count > kShortRow) {
+      const char* const on = GoOnInRow(m_rows[op.memory], before, count == kShortRow + 1);
+      if (on != before) matched = on;  // There an instance ended.
+      before = on;
+    }
     MakeRoom(2);  // For both marks.
     *m_out++ = element_code::kInstance;
     const char* const end = MatchNested(op, before);
@@ -339,29 +343,54 @@ const char* ProgramMatcher::MatchNested(const FieldOp& op, const char* at) {
     if (!op.repeatable || EndsRepetition(PositionOf(before), PositionOf(end))) break;
     before = end;
   }
-  if (count > kShortRow) m_rows[op.memory].complete = true;
+  if (count > kShortRow) EndRow(m_rows[op.memory]);
   MakeRoom(1);
   *m_out++ = element_code::kNoMore;
   return matched;
 }
 
 /// Remembers that an instance of a long row starts here. Where a row is known to pass here, it goes
-/// on at the last of it: the record that is tried at each of them in turn, and each time fails
-/// behind the last, would otherwise walk them all. Those at the end are walked, so that the last
-/// attempts are what they are.
-const char* ProgramMatcher::PassOver(Row& row, const char* at, bool begins) {
+/// on at the last instance: the record that is tried at each of them in turn, and each time fails
+/// behind the last, would otherwise walk them all.
+const char* ProgramMatcher::GoOnInRow(Row& row, const char* at, bool begins) {
   const std::uint32_t position = PositionOf(at);
   auto& starts = row.starts;
   if (row.complete && std::binary_search(starts.begin(), starts.end(), position)) {
-    const std::uint32_t last = starts[starts.size() - std::min(starts.size(), kWalkedAgain)];
-    if (m_exact || !m_mayPassOver || position >= last) return at;
-    m_passedOver = true;
-    return m_begin + last;
+    if (m_exact || !m_mayPassOver || position == starts.back()) return at;
+    PassOver(row, position, starts.back());
+    return m_begin + starts.back();
   }
-  if (begins) starts.clear();
+  if (begins) {
+    starts.clear();
+    row.before = m_sequence;
+  }
   row.complete = false;
   starts.push_back(position);
   return at;
+}
+
+/// Passes over the instances in [from, to): what was tried in them last is told as tried again.
+void ProgramMatcher::PassOver(const Row& row, std::uint32_t from, std::uint32_t to) {
+  m_passedOver = true;
+  for (const auto& [record, position] : row.attempts) {
+    if (position < from || position >= to) continue;
+    m_attempts[record] = {m_block, m_parent, position, ++m_sequence};
+  }
+}
+
+void ProgramMatcher::EndRow(Row& row) const {
+  if (row.complete) return;
+  std::vector<std::pair<std::uint64_t, std::uint32_t>> tried;  // Count of attempts and record.
+  for (std::uint32_t record = 0; record < m_attempts.size(); ++record) {
+    if (m_attempts[record].sequence > row.before) {
+      tried.emplace_back(m_attempts[record].sequence, record);
+    }
+  }
+  std::sort(tried.begin(), tried.end());
+  row.attempts.clear();
+  for (const auto& [sequence, record] : tried)
+    row.attempts.emplace_back(record, m_attempts[record].position);
+  row.complete = true;
 }
 
 }  // namespace bomparser

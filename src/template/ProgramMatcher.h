@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace bomparser {
@@ -62,13 +63,15 @@ class ProgramMatcher {
   static constexpr std::size_t kFewZones = 64;
   static constexpr std::size_t kManyZones = 4096;
 
-  /// A row of instances of one sub-record field, if it was long: where they start.
+  /// A row of instances of one sub-record field, if it was long.
   struct Row {
-    std::vector<std::uint32_t> starts;
+    std::vector<std::uint32_t> starts;  // Of the instances.
     bool complete = false;
+    std::uint64_t before = 0;  // The count of attempts when it began.
+    /// Where the records inside the instances were tried last, in the order of the attempts.
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> attempts;  // Record and position.
   };
-  static constexpr std::size_t kShortRow = 16;    // Instances in front that are not remembered.
-  static constexpr std::size_t kWalkedAgain = 3;  // Instances at the end that are not passed over.
+  static constexpr std::size_t kShortRow = 16;  // Instances in front that are not remembered.
 
   /// Where a record last failed inside another one, and the count of attempts then.
   struct Failure {
@@ -92,7 +95,9 @@ class ProgramMatcher {
   bool MatchesHere(const FieldOp& next, const char* at);
   const char* MatchNested(const FieldOp& op, const char* at);
   const char* MatchInstances(const FieldOp& op, const char* at);
-  const char* PassOver(Row& row, const char* at, bool begins);
+  const char* GoOnInRow(Row& row, const char* at, bool begins);
+  void PassOver(const Row& row, std::uint32_t from, std::uint32_t to);
+  void EndRow(Row& row) const;
   void MakeRoom(std::size_t count);
   void GrowRoom(std::size_t count);
   /// Element bytes written and not taken.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -18,19 +19,27 @@ namespace bomparser {
 template <class Item>
 class WorkAhead {
  public:
-  /// Makes the item at `index`. Workers are numbered; the consumer has the last number. May throw
-  /// std::bad_alloc: the item is then left to the consumer.
-  using Make = std::function<void(std::size_t worker, std::size_t index, Item& item)>;
+  /// Makes the item at `index`. False leaves it to the consumer, and so does std::bad_alloc;
+  /// nothing else may be thrown. Workers are numbered; the consumer has the last number.
+  using Make = std::function<bool(std::size_t worker, std::size_t index, Item& item)>;
+  /// Asked by the consumer's thread now and then while it waits: true ends the waiting.
+  using IsCalledOff = std::function<bool()>;
 
   /// Starts so many threads, or fewer where the system gives no more. They are never more than
   /// `window` items ahead.
-  WorkAhead(std::size_t workers, std::size_t count, std::size_t window, Make make)
-      : m_make(std::move(make)), m_count(count), m_slots(window) {
+  WorkAhead(std::size_t workers, std::size_t count, std::size_t window, Make make,
+            IsCalledOff isCalledOff = {})
+      : m_make(std::move(make)),
+        m_isCalledOff(std::move(isCalledOff)),
+        m_count(count),
+        m_slots(window) {
+    m_threads.reserve(workers);
     try {
       for (std::size_t i = 0; i < workers; ++i)
         m_threads.emplace_back([this, i] { Work(i); });
     } catch (const std::system_error&) {
       // Those that there are do it.
+    } catch (const std::bad_alloc&) {
     }
   }
   ~WorkAhead() {
@@ -47,7 +56,7 @@ class WorkAhead {
   WorkAhead& operator=(const WorkAhead&) = delete;
 
   /// The item at `index`, which is above that of the call before; that item ends. Null when it is
-  /// the consumer's to make.
+  /// the consumer's to make, and when the work is called off. May take as long as making an item.
   Item* Take(std::size_t index) {
     std::unique_lock lock(m_mutex);
     m_taken = index;
@@ -59,17 +68,19 @@ class WorkAhead {
     m_changed.notify_all();
     Slot& slot = SlotOf(index);
     while (slot.state == State::Busy) {
+      if (m_isCalledOff && m_isCalledOff()) return nullptr;
       if (MayBeginNext()) {
         MakeNext(m_threads.size(), lock);
       } else {
-        m_changed.wait(lock);
+        m_changed.wait_for(lock, kPatience);
       }
     }
     return slot.state == State::Made ? &slot.item : nullptr;
   }
 
  private:
-  enum class State { Empty, Busy, Made, Failed };
+  enum class State { Empty, Busy, Made, Left };
+  static constexpr std::chrono::milliseconds kPatience{20};
   struct Slot {
     State state = State::Empty;
     Item item{};
@@ -96,18 +107,19 @@ class WorkAhead {
     Slot& slot = SlotOf(index);
     slot.state = State::Busy;
     lock.unlock();
-    State state = State::Made;
+    bool made = false;
     try {
-      m_make(worker, index, slot.item);
+      made = m_make(worker, index, slot.item);
     } catch (const std::bad_alloc&) {
-      state = State::Failed;
+      // The consumer will see whether it is enough for him.
     }
     lock.lock();
-    slot.state = state;
+    slot.state = made ? State::Made : State::Left;
     m_changed.notify_all();
   }
 
   const Make m_make;
+  const IsCalledOff m_isCalledOff;
   const std::size_t m_count;
   std::mutex m_mutex;
   std::condition_variable m_changed;

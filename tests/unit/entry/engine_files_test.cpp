@@ -5,7 +5,9 @@
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
 #include <vector>
 
@@ -28,6 +30,104 @@ class EngineFilesTest : public EngineTestIn<TestFolder> {
     EXPECT_EQ(Document().GetFilePath(), before);
   }
 };
+
+// ------------------------------------------------------------------------------- mapped inputs
+
+/// Cuts the file at the path short at the first step that it is told.
+class CuttingFrontEnd final : public CTNFrontEnd {
+ public:
+  std::unique_ptr<CTNProgress> BeginProgress(const std::string&) override {
+    return std::make_unique<Progress>(*this);
+  }
+  void ShowError(std::string_view) override {}
+
+  std::string path;
+
+ private:
+  class Progress final : public CTNProgress {
+   public:
+    explicit Progress(CuttingFrontEnd& frontEnd) : m_frontEnd(frontEnd) {}
+    void SetText(std::string_view) override {}
+    bool ShowsPosition() const override { return false; }
+    void SetRange(std::int32_t, std::int32_t, std::int32_t) override {}
+    bool StepAndPoll(std::uint32_t) override {
+      if (!m_frontEnd.path.empty()) std::filesystem::resize_file(m_frontEnd.path, 10);
+      m_frontEnd.path.clear();
+      return false;
+    }
+    bool IsCancelled() const override { return false; }
+
+   private:
+    CuttingFrontEnd& m_frontEnd;
+  };
+};
+
+class MappedInputTest : public TestFolder {
+ protected:
+  void SetUp() override {
+    TestFolder::SetUp();
+    std::string text;
+    while (text.size() < std::size_t{2} << 20)
+      text += "some words\n";
+    WriteFile("in", text);
+    WriteFile("template.xml", TemplateFor("some words"));
+    ASSERT_TRUE(engine.LoadTemplate(PathOf("template.xml")));
+    engine.GetInputFile()->SetMapping(true);
+    std::string error;
+    ASSERT_TRUE(engine.OpenInputFile(PathOf("in"), error)) << error;
+  }
+  std::string Apply() {
+    std::string error;
+    bool cancelled = false;
+    return engine.ApplyTemplate(error, cancelled, ShowProgress::Yes) ? "ok" : error;
+  }
+  std::string CutShortText() const {
+    return "cannot read " + PathOf("in") + ": it was cut short meanwhile";
+  }
+
+  CuttingFrontEnd frontEnd;
+  CTNFileParserEngine engine{&frontEnd};
+};
+
+TEST_F(MappedInputTest, AnInputThatIsCutShortWhileItIsAppliedFails) {
+  for (const unsigned threads : {1U, 3U}) {
+    SetUp();
+    engine.SetThreads(threads);
+    frontEnd.path = PathOf("in");
+    EXPECT_EQ(Apply(), CutShortText());
+    EXPECT_FALSE(engine.GetInputFile()->IsApplied());
+  }
+}
+
+TEST_F(MappedInputTest, AnInputThatIsCutShortWhileItsListIsWrittenFails) {
+  ASSERT_EQ(Apply(), "ok");
+  std::string error;
+  const auto cut = [this](std::string_view) {
+    std::filesystem::resize_file(PathOf("in"), 10);
+    return true;
+  };
+  EXPECT_FALSE(engine.WriteEntityList(cut, error));
+  EXPECT_EQ(error, CutShortText());
+  EXPECT_FALSE(engine.OutputEntityList(PathOf("out.xml"), error));
+  EXPECT_EQ(BytesOf("out.xml"), "(none)");
+}
+
+TEST_F(MappedInputTest, NoSideCopyIsMadeOfWhatIsCutShort) {
+  ASSERT_EQ(Apply(), "ok");
+  std::filesystem::resize_file(PathOf("in"), 10);
+  std::string path;
+  std::string error;
+  ASSERT_TRUE(engine.GetSideCopyPath(path, error));
+  EXPECT_EQ(BytesAt(path), "(none)");
+}
+
+TEST_F(MappedInputTest, AFailureToReadIsToldAsWhatItIs) {
+  ASSERT_EQ(Apply(), "ok");
+  std::filesystem::resize_file(PathOf("in"), 10);
+  std::string error;
+  ASSERT_TRUE(engine.OpenInputFile("/proc/self/mem", error)) << error;
+  EXPECT_EQ(Apply(), "cannot read /proc/self/mem: Input/output error");
+}
 
 // ------------------------------------------------------------------------------- loading
 

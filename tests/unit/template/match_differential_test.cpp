@@ -80,6 +80,24 @@ TEST(MatchDifferential, LongRowsOfSubRecordsGiveTheSame) {
   }
 }
 
+TEST(MatchDifferential, WhatOnlySomeInstancesOfALongRowTryShowsTheSame) {
+  CTNParserTemplate document(nullptr);
+  AddRecord(document, RecordKind::SubRecord, "number", {WholeNum()});
+  AddRecord(document, RecordKind::SubRecord, "key", {String("k"), SubRecord("A1")});
+  AddRecord(document, RecordKind::SubRecord, "line",
+            {Optional(SubRecord("A2")), Alpha(), Newline()});
+  AddRecord(document, RecordKind::MultipleMatch, "never",
+            {SubRecord("A3"), String("never"), Newline()});
+  for (int first = 0; first < 40; first += 3) {
+    for (int second = first; second < 40; second += 5) {
+      std::string text;
+      for (int line = 0; line < 40; ++line)
+        text += (line == first || line == second ? "k" + std::to_string(line) : "") + "a\n";
+      EXPECT_EQ(FindDifference(document, text), "") << first << ' ' << second;
+    }
+  }
+}
+
 TEST(MatchDifferential, LongRowsThatEndWithAnEmptyInstanceGiveTheSame) {
   CTNParserTemplate document(nullptr);
   AddRecord(document, RecordKind::SubRecord, "maybe",

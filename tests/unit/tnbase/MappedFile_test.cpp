@@ -2,11 +2,13 @@
 
 #include "tests/support/TestFolder.h"
 
+#include <atomic>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -29,9 +31,11 @@ class MappedFileTest : public TestFolder {
   }
 };
 
+const auto kPage = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+
 TEST_F(MappedFileTest, HoldsTheFileAndRoomBehindItWhateverItsSize) {
-  const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  for (const std::size_t size : {std::size_t{1}, page - kSlack, page - 1, page, page + 1}) {
+  for (const std::size_t size :
+       {kPage + 1, 2 * kPage - kSlack, 2 * kPage - 1, 2 * kPage, 2 * kPage + 1, 100 * kPage - 7}) {
     const std::string text(size, 'x');
     WriteFile("in", text);
     MappedFile file;
@@ -40,31 +44,74 @@ TEST_F(MappedFileTest, HoldsTheFileAndRoomBehindItWhateverItsSize) {
     for (std::size_t i = 0; i < kSlack; ++i)
       file.Data()[size + i] = '!';
     EXPECT_EQ(Bytes(file, size + kSlack), text + std::string(kSlack, '!'));
-    EXPECT_FALSE(file.IsDamaged());
+    EXPECT_FALSE(file.IsCutShort());
   }
 }
 
 TEST_F(MappedFileTest, WhatIsWrittenStaysInMemory) {
-  WriteFile("in", "abc");
+  const std::string text(3 * kPage, 'x');
+  WriteFile("in", text);
   MappedFile file;
-  ASSERT_TRUE(Map(file, 3));
+  ASSERT_TRUE(Map(file, text.size()));
   file.Data()[1] = '-';
-  EXPECT_EQ(Bytes(file, 3), "a-c");
-  EXPECT_EQ(BytesOf("in"), "abc");
+  file.Data()[text.size() - 1] = '-';
+  EXPECT_EQ(Bytes(file, 3), "x-x");
+  EXPECT_TRUE(BytesOf("in") == text);
 }
 
-TEST_F(MappedFileTest, WhereBytesAreGoneStandLineFeedsAndItIsDamaged) {
+TEST_F(MappedFileTest, WhereBytesAreGoneStandLineFeedsAndItIsCutShort) {
   constexpr std::size_t kSize = 100'000;
   WriteFile("in", std::string(kSize, 'x'));
   MappedFile file;
   ASSERT_TRUE(Map(file, kSize));
   std::filesystem::resize_file(PathOf("in"), 0);
   EXPECT_EQ(file.Data()[0], '\n');
-  EXPECT_EQ(file.Data()[kSize - 1], '\n');
-  EXPECT_TRUE(file.IsDamaged());
+  EXPECT_EQ(file.Data()[kPage * 10], '\n');
+  EXPECT_TRUE(file.IsCutShort());
 }
 
-TEST_F(MappedFileTest, OnlyTheFileThatWasCutIsDamaged) {
+TEST_F(MappedFileTest, IsCutShortAlsoWhenNobodyReadsThere) {
+  WriteFile("in", std::string(10 * kPage, 'x'));
+  MappedFile file;
+  ASSERT_TRUE(Map(file, 10 * kPage));
+  std::filesystem::resize_file(PathOf("in"), 10 * kPage - 1);
+  EXPECT_TRUE(file.IsCutShort());
+}
+
+TEST_F(MappedFileTest, ItsEndIsItsOwnWhateverBecomesOfTheFile) {
+  for (const std::size_t size : {10 * kPage, 10 * kPage + 1, 11 * kPage - 1}) {
+    WriteFile("in", std::string(size, 'x'));
+    MappedFile file;
+    ASSERT_TRUE(Map(file, size));
+    file.Data()[size] = '!';
+    std::filesystem::resize_file(PathOf("in"), 0);
+    WriteFile("in", std::string(20 * kPage, 'y'));
+    EXPECT_EQ(file.Data()[size - 1], 'x');
+    EXPECT_EQ(file.Data()[size], '!');
+  }
+}
+
+TEST_F(MappedFileTest, ThreadsThatReadWhereBytesAreGoneSeeLineFeeds) {
+  constexpr int kRounds = 50;
+  for (int round = 0; round < kRounds; ++round) {
+    WriteFile("in", std::string(20 * kPage, 'x'));
+    MappedFile file;
+    ASSERT_TRUE(Map(file, 20 * kPage));
+    std::filesystem::resize_file(PathOf("in"), 0);
+    std::atomic<int> others{0};
+    const auto read = [&] {
+      for (std::size_t at = kPage / 2; at < 19 * kPage; at += kPage)
+        others += file.Data()[at] == '\n' ? 0 : 1;
+    };
+    std::thread first(read);
+    std::thread second(read);
+    first.join();
+    second.join();
+    EXPECT_EQ(others.load(), 0);
+  }
+}
+
+TEST_F(MappedFileTest, OnlyTheFileThatWasCutIsCutShort) {
   constexpr std::size_t kSize = 10'000;
   WriteFile("in", std::string(kSize, 'x'));
   MappedFile cut;
@@ -74,42 +121,44 @@ TEST_F(MappedFileTest, OnlyTheFileThatWasCutIsDamaged) {
   MappedFile whole;
   ASSERT_TRUE(Map(whole, kSize));
   std::filesystem::resize_file(PathOf("cut"), 0);
-  EXPECT_EQ(cut.Data()[kSize - 1], '\n');
-  EXPECT_EQ(whole.Data()[kSize - 1], 'y');
-  EXPECT_TRUE(cut.IsDamaged());
-  EXPECT_FALSE(whole.IsDamaged());
+  EXPECT_EQ(cut.Data()[0], '\n');
+  EXPECT_EQ(whole.Data()[0], 'y');
+  EXPECT_TRUE(cut.IsCutShort());
+  EXPECT_FALSE(whole.IsCutShort());
 }
 
 TEST_F(MappedFileTest, MovesAndTakesAnotherFileOver) {
-  WriteFile("in", "abc");
+  WriteFile("in", std::string(2 * kPage, 'x'));
   MappedFile file;
-  ASSERT_TRUE(Map(file, 3));
+  ASSERT_TRUE(Map(file, 2 * kPage));
   MappedFile moved(std::move(file));
-  EXPECT_EQ(Bytes(moved, 3), "abc");
-  WriteFile("in", "de");
-  ASSERT_TRUE(Map(moved, 2));
-  EXPECT_EQ(Bytes(moved, 2), "de");
+  EXPECT_EQ(Bytes(moved, 3), "xxx");
+  WriteFile("in", std::string(2 * kPage, 'y'));
+  ASSERT_TRUE(Map(moved, 2 * kPage));
+  EXPECT_EQ(Bytes(moved, 3), "yyy");
 }
 
-TEST_F(MappedFileTest, NothingAndWhatIsNoFileCannotBeMapped) {
-  WriteFile("in", "");
+TEST_F(MappedFileTest, AShortFileAndWhatIsNoFileAreNotMapped) {
+  WriteFile("in", std::string(kPage, 'x'));
   MappedFile file;
   EXPECT_FALSE(Map(file, 0));
-  EXPECT_FALSE(file.Map(-1, 10, kSlack));
+  EXPECT_FALSE(Map(file, kPage));
+  EXPECT_FALSE(Map(file, 10 * kPage));
+  EXPECT_FALSE(file.Map(-1, 10 * kPage, kSlack));
   EXPECT_FALSE(file.IsMapped());
 }
 
 TEST_F(MappedFileTest, MoreThanItCanWatchAreRefusedAndNoneIsLost) {
-  WriteFile("in", "abc");
+  WriteFile("in", std::string(2 * kPage, 'x'));
   std::vector<MappedFile> files(100);
   std::size_t mapped = 0;
   for (MappedFile& file : files)
-    mapped += Map(file, 3) ? 1 : 0;
+    mapped += Map(file, 2 * kPage) ? 1 : 0;
   EXPECT_GE(mapped, 8u);
   EXPECT_LT(mapped, files.size());
   files.clear();
   MappedFile file;
-  EXPECT_TRUE(Map(file, 3));
+  EXPECT_TRUE(Map(file, 2 * kPage));
 }
 
 }  // namespace
