@@ -5,6 +5,7 @@
 #include "template/CTNIdentifierKeeper.h"
 #include "template/GuardedEdit.h"
 #include "template/Identifiers.h"
+#include "template/LineEnds.h"
 #include "tnbase/CharClass.h"
 #include "tnbase/NumberText.h"
 #include "tnbase/TNPath.h"
@@ -309,10 +310,11 @@ bool CTNParserTemplate::ReportError(std::string_view text, ErrorShown shown) {
 }
 
 std::int32_t CTNParserTemplate::Validate() {
+  LineEnds lineEnds;
   bool valid = true;
   for (const RecordList* list : {&m_auxiliaryRecords, &m_entityRecords}) {
     for (const auto& record : *list)
-      valid = record->Validate() != 0 && valid;
+      valid = record->Validate(lineEnds) != 0 && valid;
   }
   SetValid(valid ? 1 : 0);
   return IsValid();
@@ -375,19 +377,20 @@ int CTNParserTemplate::FinishLoad(int status) {
   return status;
 }
 
-void CTNParserTemplate::ResolveAndValidate(RecordList& list) {
+void CTNParserTemplate::ResolveAndValidate(RecordList& list, LineEnds& lineEnds) {
   // Last to first, and all of them once more: a record can only be found valid after the ones that
   // it names, and those usually stand in front of or behind it.
   for (auto at = list.rbegin(); at != list.rend(); ++at)
-    (*at)->ResolveAfterLoad();
+    (*at)->ResolveAfterLoad(lineEnds);
   for (auto at = list.rbegin(); at != list.rend(); ++at)
-    (*at)->Validate();
+    (*at)->Validate(lineEnds);
 }
 
 int CTNParserTemplate::Resolve() {
   if (!m_recognised) return kXmlGeneralFailure;
-  ResolveAndValidate(m_auxiliaryRecords);
-  ResolveAndValidate(m_entityRecords);
+  LineEnds lineEnds;
+  ResolveAndValidate(m_auxiliaryRecords, lineEnds);
+  ResolveAndValidate(m_entityRecords, lineEnds);
   const std::string loaded = m_unitsName;
   m_unitsName = UnitsName(m_units);
   for (std::int32_t units = 0; units < static_cast<std::int32_t>(std::size(kUnitsNames)); ++units) {

@@ -19,6 +19,7 @@
 namespace bomparser {
 
 class BlockScan;
+class LineEnds;
 class MatchProgram;
 
 /// What edits of a template are told as; any other value than None marks the template as modified.
@@ -161,7 +162,7 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   void RegisterBindings(XmlBindingTable& bindings) override;
   int FinishLoad(int status);
   int Resolve();
-  void ResolveAndValidate(RecordList& list);
+  void ResolveAndValidate(RecordList& list, LineEnds& lineEnds);
   void ReplayLastAttempts(const CTNParsedBlockPtrArray& blocks);
 
   CTNTemplateRecord m_catchAll;

@@ -165,13 +165,7 @@ void CTNTemplRecOutField::BuildValueText(std::string& text, const CTNParsedFileB
 }
 
 bool CTNTemplRecOutField::ReferencesTag(OutputTag tag) const {
-  const bool refers =
-      std::any_of(m_items.begin(), m_items.end(), [](const CTNOutFieldValueElement& item) {
-        const CTNOutFieldValueElement& target = item.GetTarget();
-        return target.inputField != nullptr || target.outputElement != nullptr ||
-               target.kind == ValueItemKind::Record;
-      });
-  return refers && TagSearch(tag).IsReachedFrom(*this);
+  return TagSearch(tag).IsReachedFrom(*this);
 }
 
 bool CTNTemplRecOutField::RefersTo(const CTNTemplRecField* field) const {

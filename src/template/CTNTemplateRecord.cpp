@@ -6,6 +6,7 @@
 #include "template/CTNParserTemplate.h"
 #include "template/GuardedEdit.h"
 #include "template/Identifiers.h"
+#include "template/LineEnds.h"
 #include "template/RecordsToAsk.h"
 #include "template/TagSearch.h"
 #include "tnbase/CharClass.h"
@@ -317,10 +318,11 @@ std::string CTNTemplateRecord::GetRecordId() const {
 bool CTNTemplateRecord::HasOutputTag(OutputTag tag) const { return TagSearch(tag).IsIn(*this); }
 
 std::size_t CTNTemplateRecord::CountOutputTag(OutputTag tag) const {
+  TagSearch search(tag);
   std::size_t count = 0;
   for (const auto& element : m_outputFields) {
     if (element->GetTag() == tag) ++count;
-    if (element->ReferencesTag(tag)) ++count;
+    if (search.IsReachedFrom(*element)) ++count;
   }
   return count;
 }
@@ -377,12 +379,16 @@ void CTNTemplateRecord::NameSubRecordsAs(const CTNTemplateRecord& other) {
   }
 }
 
-void CTNTemplateRecord::ResolveAfterLoad() {
+void CTNTemplateRecord::ResolveAfterLoad(LineEnds& lineEnds) {
   for (const auto& field : m_inputFields) {
     if (field->GetType() != FieldKind::SubRecord) continue;
-    if (CTNTemplateRecord* named = field->ResolveSubRecord()) named->Validate();
+    const bool wasLinked = field->GetSubRecord() != nullptr;
+    CTNTemplateRecord* const named = field->ResolveSubRecord();
+    if (named == nullptr) continue;
+    if (!wasLinked) lineEnds.OnLinked(*this);
+    named->Validate(lineEnds);
   }
-  Validate();
+  Validate(lineEnds);
 }
 
 bool CTNTemplateRecord::IsAttributeName(std::string_view name) {

@@ -17,6 +17,8 @@
 
 namespace bomparser {
 
+class LineEnds;
+
 /// Describes one kind of block of input text: an ordered pattern of input fields that a block must
 /// match, and an ordered list of output elements whose values are computed from what matched.
 /// Owns both. Only the record and its template change them.
@@ -121,7 +123,8 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   /// Parses all expressions again: identifiers in them may mean other fields now.
   void ReparseOutputExpressions();
   /// Links sub-record fields to the records that they name, validating those, then this record.
-  void ResolveAfterLoad();
+  /// `lineEnds` is that of the whole template.
+  void ResolveAfterLoad(LineEnds& lineEnds);
   /// True when an expression holds a word that names nothing, or did not parse.
   bool MayMeanMore() const;
   /// Parses those expressions again: something was appended that they may mean.
@@ -131,6 +134,8 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   void NameSubRecordsAs(const CTNTemplateRecord& other);
   /// Joins all messages with line feeds; errors make the record invalid.
   std::int32_t Validate() override;
+  /// The same, as one of many records: what is known of their line ends is not found out again.
+  std::int32_t Validate(LineEnds& lineEnds);
   /// True when the pattern ends in a line end that must be there.
   bool EndsWithRequiredNewline() const;
 
@@ -184,7 +189,7 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   bool ValidateInputFields(std::string& error);
   bool ValidateOutputElements(std::string& error);
   bool ValidateRequiredTags(std::string& error) const;
-  bool ValidateLineEnd(std::string& error) const;
+  bool ValidateLineEnd(std::string& error, LineEnds& lineEnds) const;
   bool ValidateType(std::string& error) const;
   bool FinishMatch(CTNParsedFileBlock* block);
 

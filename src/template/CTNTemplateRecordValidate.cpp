@@ -3,7 +3,7 @@
 #include "template/CTNTemplateRecord.h"
 
 #include "input/MessageTexts.h"
-#include "template/RecordsToAsk.h"
+#include "template/LineEnds.h"
 
 namespace bomparser {
 
@@ -17,11 +17,16 @@ void AddLine(std::string& text, const std::string& line) {
 }  // namespace
 
 std::int32_t CTNTemplateRecord::Validate() {
+  LineEnds lineEnds;
+  return Validate(lineEnds);
+}
+
+std::int32_t CTNTemplateRecord::Validate(LineEnds& lineEnds) {
   std::string error;
   bool valid = true;
   for (const bool passed :
        {ValidateInputFields(error), ValidateOutputElements(error), ValidateRequiredTags(error),
-        ValidateLineEnd(error), ValidateType(error)}) {
+        ValidateLineEnd(error, lineEnds), ValidateType(error)}) {
     valid = valid && passed;
   }
   SetValid(valid ? 1 : 0);
@@ -81,8 +86,8 @@ bool CTNTemplateRecord::ValidateRequiredTags(std::string& error) const {
   return valid;
 }
 
-bool CTNTemplateRecord::ValidateLineEnd(std::string& error) const {
-  if (m_inputFields.empty() || m_kind == RecordKind::SubRecord || EndsWithRequiredNewline()) {
+bool CTNTemplateRecord::ValidateLineEnd(std::string& error, LineEnds& lineEnds) const {
+  if (m_inputFields.empty() || m_kind == RecordKind::SubRecord || lineEnds.AreRequiredBy(*this)) {
     return true;
   }
   AddLine(error, GetMessageText(Msg::NewlineRequiredAtEnd));
@@ -101,24 +106,6 @@ bool CTNTemplateRecord::ValidateType(std::string& error) const {
   return true;
 }
 
-bool CTNTemplateRecord::EndsWithRequiredNewline() const {
-  // A required sub-record that does not end so is passed over. One way to a required line end is
-  // therefore enough, through whatever sub-records it leads.
-  RecordsToAsk records;
-  records.Add(this);
-  while (const CTNTemplateRecord* record = records.Next()) {
-    const auto& fields = record->m_inputFields;
-    for (auto at = fields.rbegin(); at != fields.rend(); ++at) {
-      const CTNTemplRecInField& field = **at;
-      if (field.GetType() == FieldKind::Newline) {
-        if (field.IsRequired()) return true;
-        continue;
-      }
-      if (field.GetType() != FieldKind::SubRecord || field.GetSubRecord() == nullptr) break;
-      if (field.IsRequired()) records.Add(field.GetSubRecord());
-    }
-  }
-  return false;
-}
+bool CTNTemplateRecord::EndsWithRequiredNewline() const { return LineEnds().AreRequiredBy(*this); }
 
 }  // namespace bomparser

@@ -5,55 +5,61 @@
 namespace bomparser {
 
 bool TagSearch::IsReachedFrom(const CTNTemplRecOutField& element) {
-  Add(&element);
-  return LookIntoPending();
+  const Elements::Place& asked = m_elements.At(element);
+  while (Elements::Place* const place = m_elements.Next()) {
+    for (const CTNOutFieldValueElement& item : place->thing->GetItems())
+      Follow(item.GetTarget(), *place);
+  }
+  return asked.reachesGoal;
 }
 
 bool TagSearch::IsIn(const CTNTemplateRecord& record) {
-  return LookInto(record) || LookIntoPending();
+  const RecordContent& content = ContentOf(record);
+  return content.hasTag || (content.lastNone != nullptr && IsReachedFrom(*content.lastNone));
 }
 
-void TagSearch::Add(const CTNTemplRecOutField* element) {
-  if (m_known.insert(element).second) m_pending.push_back(element);
-}
-
-bool TagSearch::LookIntoPending() {
-  while (!m_pending.empty()) {
-    const CTNTemplRecOutField& element = *m_pending.back();
-    m_pending.pop_back();
-    for (const CTNOutFieldValueElement& item : element.GetItems()) {
-      if (Follow(item.GetTarget())) return true;
-    }
-  }
-  return false;
-}
-
-/// True when what the item names has the tag; what that reaches in turn becomes pending.
-bool TagSearch::Follow(const CTNOutFieldValueElement& item) {
+void TagSearch::Follow(const CTNOutFieldValueElement& item, Elements::Place& from) {
   switch (item.kind) {
-    case ValueItemKind::InputField: {
-      const CTNTemplateRecord* sub = item.inputField->GetSubRecord();
-      return sub != nullptr && LookInto(*sub);
-    }
+    case ValueItemKind::InputField:
+      if (const CTNTemplateRecord* sub = item.inputField->GetSubRecord()) FollowRecord(*sub, from);
+      return;
     case ValueItemKind::OutputSymbol:
-      Add(item.outputElement);
-      return item.outputElement->GetTag() == m_tag;
+      FollowElement(*item.outputElement, from);
+      return;
     case ValueItemKind::Record:
-      return LookInto(*item.record);
+      FollowRecord(*item.record, from);
+      return;
     default:
-      return false;
+      return;
   }
 }
 
-bool TagSearch::LookInto(const CTNTemplateRecord& record) {
-  const CTNTemplRecOutField* lastNone = nullptr;
-  for (const auto& element : record.GetOutputFields()) {
-    if (element->GetTag() == m_tag) return true;
-    if (element->GetTag() == OutputTag::None) lastNone = element.get();
+void TagSearch::FollowElement(const CTNTemplRecOutField& element, Elements::Place& from) {
+  if (element.GetTag() == m_tag) {
+    m_elements.ReachGoal(from);
+  } else {
+    m_elements.Lead(from, m_elements.At(element));
   }
+}
+
+void TagSearch::FollowRecord(const CTNTemplateRecord& record, Elements::Place& from) {
+  const RecordContent& content = ContentOf(record);
+  if (content.hasTag) {
+    m_elements.ReachGoal(from);
+  } else if (content.lastNone != nullptr) {
+    m_elements.Lead(from, m_elements.At(*content.lastNone));
+  }
+}
+
+const TagSearch::RecordContent& TagSearch::ContentOf(const CTNTemplateRecord& record) {
+  const auto [at, isNew] = m_contents.try_emplace(&record);
+  if (!isNew) return at->second;
   // Only the last NONE element counts, whatever earlier ones reach. Templates rely on it.
-  if (lastNone != nullptr) Add(lastNone);
-  return false;
+  for (const auto& element : record.GetOutputFields()) {
+    if (element->GetTag() == m_tag) at->second.hasTag = true;
+    if (element->GetTag() == OutputTag::None) at->second.lastNone = element.get();
+  }
+  return at->second;
 }
 
 }  // namespace bomparser

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "template/OutputTags.h"
+#include "template/Reachability.h"
 
-#include <unordered_set>
-#include <vector>
+#include <unordered_map>
 
 namespace bomparser {
 
@@ -11,9 +11,9 @@ class CTNOutFieldValueElement;
 class CTNTemplRecOutField;
 class CTNTemplateRecord;
 
-/// Answers whether an output element, or a record, reaches an element with a tag through
-/// expressions. Elements and records may name each other in circles and by many ways: each element
-/// is looked into once.
+/// Answers whether output elements, or records, reach an element with a tag through expressions.
+/// Elements and records may name each other in circles and by many ways: each is looked into once,
+/// however many are asked about. The template must not change meanwhile.
 class TagSearch {
  public:
   explicit TagSearch(OutputTag tag) : m_tag(tag) {}
@@ -24,14 +24,21 @@ class TagSearch {
   bool IsIn(const CTNTemplateRecord& record);
 
  private:
-  bool LookIntoPending();
-  bool Follow(const CTNOutFieldValueElement& item);
-  bool LookInto(const CTNTemplateRecord& record);
-  void Add(const CTNTemplRecOutField* element);
+  using Elements = Reachability<CTNTemplRecOutField>;
+  /// What naming a record leads to.
+  struct RecordContent {
+    bool hasTag = false;
+    const CTNTemplRecOutField* lastNone = nullptr;
+  };
+
+  void Follow(const CTNOutFieldValueElement& item, Elements::Place& from);
+  void FollowElement(const CTNTemplRecOutField& element, Elements::Place& from);
+  void FollowRecord(const CTNTemplateRecord& record, Elements::Place& from);
+  const RecordContent& ContentOf(const CTNTemplateRecord& record);
 
   OutputTag m_tag;
-  std::unordered_set<const CTNTemplRecOutField*> m_known;
-  std::vector<const CTNTemplRecOutField*> m_pending;
+  Elements m_elements;
+  std::unordered_map<const CTNTemplateRecord*, RecordContent> m_contents;
 };
 
 }  // namespace bomparser

@@ -1,7 +1,9 @@
 #include "template/TagSearch.h"
 #include "tests/support/Application.h"
+#include "tests/support/RandomMatch.h"
 #include "tests/support/TemplateBuilder.h"
 
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -55,6 +57,60 @@ TEST_F(TagSearchTest, ALongChainOfElementsNeedsNoStack) {
   part.ReparseOutputExpressions();
   EXPECT_TRUE(TagSearch(OutputTag::RefDesignator).IsReachedFrom(*part.GetOutputFields()[0]));
   EXPECT_FALSE(TagSearch(OutputTag::PartNumber).IsReachedFrom(*part.GetOutputFields()[0]));
+}
+
+TEST_F(TagSearchTest, ALongChainOfElementsIsFollowedOnceForAllOfThem) {
+  // One walk for each element would take minutes.
+  constexpr int kCount = 100'000;
+  CTNTemplateRecord& part = PartOf(kCount, [](int) { return "F1"; });
+  AddOutput(part, {OutputTag::PartNumber, "F1"});
+  const auto nameNext = [&part](int i) {
+    const std::string next = "V" + std::to_string(i + 1);
+    part.GetOutputFields()[static_cast<std::size_t>(i - 1)]->SetExpression(next);
+  };
+  for (int i = 1; i <= kCount; ++i)
+    nameNext(i);
+  part.ReparseOutputExpressions();
+  EXPECT_EQ(part.CountOutputTag(OutputTag::PartNumber), kCount + 1U);
+  EXPECT_EQ(part.CountOutputTag(OutputTag::Width), 0U);
+}
+
+TEST_F(TagSearchTest, ARecordOfManyElementsIsReadOnceForAllThatNameIt) {
+  constexpr int kCount = 100'000;
+  CTNTemplateRecord& units = AddRecord(document, RecordKind::SingleMatch, "Units", {Newline()});
+  for (int i = 1; i <= kCount; ++i)
+    AddOutput(units, {OutputTag::Height, "F1"});
+  CTNTemplateRecord& part = PartOf(kCount, [](int) { return "A1"; });
+  part.ReparseOutputExpressions();
+  EXPECT_EQ(part.CountOutputTag(OutputTag::Width), 0U);
+  EXPECT_EQ(part.CountOutputTag(OutputTag::Height), std::size_t{kCount});
+}
+
+TEST_F(TagSearchTest, AllElementsOfARecordTogetherAreCountedLikeEachAlone) {
+  constexpr int kCount = 8;
+  bool reached = false;
+  bool missed = false;
+  for (std::uint32_t seed = 1; seed <= 300; ++seed) {
+    SeededChooser choose(seed);
+    document.Init();
+    AddRecord(document, RecordKind::SingleMatch, "Units", {Alpha(), Newline()},
+              {{OutputTag::None, choose.OneIn(2) ? "E1" : "F1"}, {OutputTag::None, "F1"}});
+    CTNTemplateRecord& part = PartOf(kCount, [&choose](int) {
+      std::string expression = choose.OneIn(6) ? "A1" : "F1";
+      for (std::uint32_t left = choose.Below(3); left > 0; --left)
+        expression += " V" + std::to_string(1 + choose.Below(kCount + 1));
+      return expression;
+    });
+    AddOutput(part, {OutputTag::Width, "V" + std::to_string(1 + choose.Below(kCount))});
+    part.ReparseOutputExpressions();
+    std::size_t alone = 1;
+    for (const auto& element : part.GetOutputFields())
+      alone += element->ReferencesTag(OutputTag::Width) ? 1U : 0U;
+    ASSERT_EQ(part.CountOutputTag(OutputTag::Width), alone) << "seed " << seed;
+    reached = reached || alone > kCount / 2;
+    missed = missed || alone == 1;
+  }
+  EXPECT_TRUE(reached && missed);
 }
 
 TEST_F(TagSearchTest, ValuesThatDoubleAtEachReferenceEndAndBothWaysAgree) {

@@ -1,5 +1,6 @@
 #include "template/CTNParserTemplate.h"
 #include "template/CTNTemplateRecord.h"
+#include "template/LineEnds.h"
 #include "tests/support/Application.h"
 #include "tests/support/FailingMemory.h"
 #include "tests/support/TemplateBuilder.h"
@@ -855,7 +856,8 @@ TEST_F(TemplateRecordTest, ResolvingLinksSubRecordsAndValidatesThemFirst) {
   CTNTemplateRecord& sub = Record(RecordKind::SubRecord, {Alpha()});
   sub.SetValid(0);
   ASSERT_EQ(user.IsValid(), 0);
-  user.ResolveAfterLoad();
+  LineEnds lineEnds;
+  user.ResolveAfterLoad(lineEnds);
   EXPECT_EQ(user.GetInputFields()[0]->GetSubRecord(), &sub);
   EXPECT_EQ(sub.IsValid(), 1);
   EXPECT_EQ(user.IsValid(), 1);
@@ -866,7 +868,8 @@ TEST_F(TemplateRecordTest, ResolvingLooksAtSubRecordFieldsOnly) {
   CTNTemplateRecord& user = Auxiliary({String("A2"), Newline()});
   CTNTemplateRecord& sub = Record(RecordKind::SubRecord, {Alpha()});
   sub.SetValid(0);
-  user.ResolveAfterLoad();
+  LineEnds lineEnds;
+  user.ResolveAfterLoad(lineEnds);
   EXPECT_EQ(user.GetInputFields()[0]->GetSubRecord(), nullptr);
   EXPECT_EQ(sub.IsValid(), 0);
 }
