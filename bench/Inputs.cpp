@@ -178,6 +178,21 @@ std::string OtherTemplate(Dice& dice, std::size_t number) {
   return text.Finish();
 }
 
+// -------------------------------------------------------------------------------- repetitions
+
+std::string TemplateOfWords(std::string_view follower) {
+  TemplateText text("Words");
+  text.Record("Sub-Record", "Word").Field("ALPHANUMERIC").Field("NEWLINE");
+  text.Output("REF_DESIGNATOR", "F1");
+  text.Record("Part", "Words")
+      .Field("SUBRECORD", "A1")
+      .Field("STRING", follower)
+      .Field("NEWLINE")
+      .Output("NONE", "F1")
+      .Output("PART_NUMBER", "F2");
+  return text.Finish();
+}
+
 }  // namespace
 
 std::string MakePlacementList(std::size_t size) {
@@ -311,6 +326,30 @@ std::string MakeLongLine(std::size_t size) {
 }
 
 std::string MakeEmptyLines(std::size_t count) { return std::string(count, '\n'); }
+
+std::string MakeMarkedList(std::size_t size) { return MakePlacementList(size) + "@end@\n"; }
+
+std::string SwallowTemplate() {
+  TemplateText text("Scan to the end");
+  text.Record("Part", "Everything")
+      .Field("SCAN_TO_NEXT")
+      .Field("STRING", "@end@")
+      .Field("NEWLINE")
+      .Output("REF_DESIGNATOR", "F1")
+      .Output("PART_NUMBER", "F2");
+  return text.Finish();
+}
+
+std::string MakeWordLines(std::size_t count) {
+  std::string text;
+  for (std::size_t line = 0; line < count; ++line)
+    fmt::format_to(std::back_inserter(text), "R{}\n", line % 1000);
+  return text + "=end\n";
+}
+
+std::string RepetitionTemplate() { return TemplateOfWords("=end"); }
+
+std::string EndlessRepetitionTemplate() { return TemplateOfWords("=never"); }
 
 std::string TemplateOfRecords(std::size_t count) {
   TemplateText text("Many records");

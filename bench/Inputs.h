@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// Input files for the benchmarks and for compare.py, and the templates that read them. The same
+// Input files for the benchmarks and for the table, and the templates that read them. The same
 // arguments give the same bytes on every system and with every compiler.
 //
 // Sizes are in bytes: a text ends with the first line that reaches its size. About one line in
@@ -33,6 +33,19 @@ std::string HostileTemplate();
 std::string MakeLongLine(std::size_t size);
 /// Line ends, one a byte.
 std::string MakeEmptyLines(std::size_t count);
+
+/// A placement list with an end mark as its last line.
+std::string MakeMarkedList(std::size_t size);
+/// Its first record scans from the first line to the end mark: one block takes the whole file.
+std::string SwallowTemplate();
+
+/// So many lines of one word each, then the line "=end".
+std::string MakeWordLines(std::size_t count);
+/// A repeated sub-record takes the words, one line each; the end line follows: one block of them
+/// all.
+std::string RepetitionTemplate();
+/// What follows the words never comes, at whichever line the record is tried.
+std::string EndlessRepetitionTemplate();
 
 /// A template of so many records, entity and auxiliary ones in turn.
 std::string TemplateOfRecords(std::size_t count);

@@ -1,4 +1,4 @@
-// Writes the inputs of the benchmarks to files, for compare.py.
+// Writes the inputs of the benchmarks to files, for the table.
 
 #include "bench/Inputs.h"
 
@@ -16,12 +16,14 @@ namespace {
 using namespace bomparser::bench;
 
 constexpr char kUsage[] =
-    "usage: bench_inputs placement|bom|hostile SIZE FILE TEMPLATE\n"
+    "usage: bench_inputs KIND SIZE FILE TEMPLATE\n"
     "       bench_inputs folder COUNT FOLDER\n"
     "\n"
     "Writes an input file of at least SIZE bytes and the template that reads it, or COUNT "
     "templates\n"
-    "to choose from for a placement list. Prints the path of the one to be chosen.\n";
+    "to choose from for a placement list. Prints the path of the one to be chosen.\n"
+    "KIND: placement bom hostile long-line swallow; of SIZE lines: empty-lines repetition\n"
+    "endless-repetition.\n";
 
 struct Kind {
   const char* name;
@@ -31,7 +33,12 @@ struct Kind {
 
 constexpr Kind kKinds[] = {{"placement", MakePlacementList, PlacementTemplate},
                            {"bom", MakeBillOfMaterials, BillOfMaterialsTemplate},
-                           {"hostile", MakePlacementList, HostileTemplate}};
+                           {"hostile", MakePlacementList, HostileTemplate},
+                           {"long-line", MakeLongLine, PlacementTemplate},
+                           {"empty-lines", MakeEmptyLines, PlacementTemplate},
+                           {"swallow", MakeMarkedList, SwallowTemplate},
+                           {"repetition", MakeWordLines, RepetitionTemplate},
+                           {"endless-repetition", MakeWordLines, EndlessRepetitionTemplate}};
 
 bool Write(const std::string& path, const std::string& bytes) {
   std::ofstream file(path, std::ios::binary);

@@ -86,6 +86,15 @@ BENCHMARK_CAPTURE(Match, longLine, PlacementTemplate, MakeLongLine)
 BENCHMARK_CAPTURE(Match, emptyLines, PlacementTemplate, MakeEmptyLines)
     ->Arg(1'000'000)
     ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Match, swallow, SwallowTemplate, MakeMarkedList)
+    ->Arg(kLarge)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Match, repetition, RepetitionTemplate, MakeWordLines)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Match, endlessRepetition, EndlessRepetitionTemplate, MakeWordLines)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
 
 // ------------------------------------------------------------------------------- plain matcher
 
