@@ -107,6 +107,12 @@ const char* ProgramMatcher::MatchRecord(const RecordOp& record, const char* at) 
     if (end != nullptr) {
       m_out = element_code::PutLength(m_out, static_cast<std::uint32_t>(end - at));
       at = end;
+      if (op->search == ScanSearch::OneByte) {
+        // What the scan searched for is all that the field behind it matches.
+        *m_out++ = 1;
+        ++at;
+        ++op;
+      }
     } else {
       if (op->required) return nullptr;
       *m_out++ = element_code::kAbsent;
@@ -269,11 +275,21 @@ const char* ProgramMatcher::SearchEverywhere(const FieldOp& scan, const char* fr
   return nullptr;
 }
 
-[[gnu::noinline]] const char* ProgramMatcher::MatchScan(const FieldOp& scan, const char* at) {
-  if (scan.search == ScanSearch::Never) return nullptr;
+/// A character that stands near is found without remembering anything.
+inline const char* ProgramMatcher::MatchScan(const FieldOp& scan, const char* at) {
   // One character more than the limit can be skipped: it is tested before each read.
   const char* last = m_end;
   if (scan.length >= 1 && m_end - at > std::ptrdiff_t{scan.length} + 1) last = at + scan.length + 1;
+  if (scan.search == ScanSearch::OneByte) {
+    const char* const found = FindNear(at, scan.searchByte);
+    if (found != nullptr && found <= last && found < m_end) return found;
+  }
+  return MatchFarScan(scan, at, last);
+}
+
+[[gnu::noinline]] const char* ProgramMatcher::MatchFarScan(const FieldOp& scan, const char* at,
+                                                           const char* last) {
+  if (scan.search == ScanSearch::Never) return nullptr;
   if (m_exact && (&scan + 1)->kind == FieldKind::SubRecord) return SearchEverywhere(scan, at, last);
   const std::uint32_t position = PositionOf(at);
   ScanMemory& memory = m_scans[scan.memory];

@@ -86,6 +86,7 @@ class ProgramMatcher {
   const char* MatchNumber(const FieldOp& op, const char* at);
   const char* CheckValues(const FieldOp& op, const char* at, const char* end) const;
   const char* MatchScan(const FieldOp& scan, const char* at);
+  const char* MatchFarScan(const FieldOp& scan, const char* at, const char* last);
   const char* Search(const FieldOp& scan, const char* from, const char* last);
   const char* SearchEverywhere(const FieldOp& scan, const char* from, const char* last);
   void TurnTo(ScanMemory& memory, std::uint32_t position) const;

@@ -145,23 +145,28 @@ class RunFinder {
   std::array<LongRun, kRunKindCount> m_longRuns{};
 };
 
+/// The first of the next kCharsAtOnce characters that is the wanted one, or null.
+inline const char* FindNear(const char* from, char wanted) {
+#if defined(__SSE2__)
+  using namespace chars_at_once;
+  const unsigned near = Bits(Are(Load(from), wanted));
+  return near != 0 ? from + std::countr_zero(near) : nullptr;
+#else
+  return static_cast<const char*>(std::memchr(from, wanted, kCharsAtOnce));
+#endif
+}
+
 /// The first place of [from, end) where `wanted` stands, or `end`; kCharsAtOnce bytes can be read
 /// behind the end. What is searched for is mostly near: a call of std::memchr costs more than the
 /// search then.
 inline const char* FindChar(const char* from, const char* end, char wanted) {
-#if defined(__SSE2__)
-  using namespace chars_at_once;
   constexpr int kNear = 3;
   for (int i = 0; i < kNear; ++i) {
-    const unsigned near = Bits(Are(Load(from), wanted));
-    if (near != 0) {
-      const char* const found = from + std::countr_zero(near);
-      return found < end ? found : end;
-    }
+    const char* const near = FindNear(from, wanted);
+    if (near != nullptr) return near < end ? near : end;
     if (end - from <= static_cast<std::ptrdiff_t>(kCharsAtOnce)) return end;
     from += kCharsAtOnce;
   }
-#endif
   const void* const found = std::memchr(from, wanted, static_cast<std::size_t>(end - from));
   return found != nullptr ? static_cast<const char*>(found) : end;
 }
