@@ -145,6 +145,14 @@ void CTNParsedResult::CountBlock(std::uint32_t elements, std::uint32_t record, s
   CutElements(elements);
 }
 
+void CTNParsedResult::RemoveBlocks() {
+  m_blocks.Cut(0);
+  m_elements.Cut(0);
+  m_textEnd = 0;
+  m_stats = {};
+  m_countByRecord.clear();
+}
+
 void CTNParsedResult::AppendBlock(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
                                   std::uint32_t record, std::uint32_t rows) {
   try {

@@ -118,6 +118,8 @@ class CTNParsedResult {
   /// the block's elements are dropped then.
   void AppendBlock(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
                    std::uint32_t record, std::uint32_t rows);
+  /// Forgets all blocks; their memory is used again.
+  void RemoveBlocks();
   /// Counts that block without keeping it: its elements are dropped.
   void CountBlock(std::uint32_t elements, std::uint32_t record, std::uint32_t rows);
 

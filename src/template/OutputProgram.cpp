@@ -3,13 +3,13 @@
 #include "input/CTNParsedFileBlock.h"
 #include "template/CTNTemplateRecord.h"
 #include "template/NestingLimits.h"
+#include "tnbase/GrowArray.h"
 #include "tnbase/RunFinder.h"
 #include "tnbase/WorkAhead.h"
 
 #include <algorithm>
 #include <cstring>
 #include <map>
-#include <memory>
 #include <new>
 #include <optional>
 #include <tuple>
@@ -27,9 +27,10 @@ constexpr std::size_t kMostTexts = std::size_t{1} << 31;
 constexpr std::size_t kPiece = std::size_t{256} << 10;
 /// Threads share the list in parts of so much text of the input, whose list is a few times as long.
 constexpr std::uint32_t kPartOfText = 64U << 10;
-constexpr std::uint32_t kWorthSharing = 8 * kPartOfText;
-constexpr std::uint32_t kLongestPart = 16 * kPartOfText;
+constexpr std::uint32_t kWorthSharing = 32 * kPartOfText;
 constexpr std::size_t kPartsPerThread = 4;
+/// A part that grows longer is not made ahead: it goes out as it is made.
+constexpr std::size_t kLongestPart = 16 * kPiece;
 /// Short texts are copied in one go of this many bytes; what is too much is overwritten next.
 constexpr std::size_t kShort = 32;
 static_assert(kShort <= CTNInputText::kSlack);
@@ -208,21 +209,35 @@ OutputProgram::OutputProgram(const CTNParsedResult& result)
 
 // ------------------------------------------------------------------------------- running
 
-/// Gathers text and hands it on in pieces. Who writes much of it takes the place where text goes
-/// on (Place), writes there and gives the place behind back (SetPlace).
+/// Gathers text and hands it on in pieces, or keeps it where there is no sink. Who writes much of
+/// it takes the place where text goes on (Place), writes there and gives the place behind back
+/// (SetPlace).
 class OutputProgram::Output {
  public:
-  explicit Output(const Sink& sink) : m_sink(sink), m_piece(new char[kPiece + kShort]) {}
+  Output() = default;
+  /// The sink outlives it.
+  explicit Output(const Sink& sink) : m_sink(&sink) { Reserve(kPiece); }
+
+  /// For an output that keeps its text: makes it ready, with the memory that it has from before.
+  void BeginAnew() {
+    if (m_capacity == 0) Reserve(kPiece);
+    m_size = 0;
+    m_handedOn = 0;
+    m_going = true;
+    m_marks.clear();
+    m_slotsUsed = 0;
+  }
+  std::string_view GetKept() const { return {m_piece.Data(), m_size}; }
 
   /// Where text goes on, with room for a short one.
   char* Place() {
-    if (m_size > kPiece - kShort) Flush();
-    return m_piece.get() + m_size;
+    if (m_capacity - m_size < kShort) MakeRoom(kShort);
+    return m_piece.Data() + m_size;
   }
-  void SetPlace(const char* place) { m_size = static_cast<std::size_t>(place - m_piece.get()); }
+  void SetPlace(const char* place) { m_size = static_cast<std::size_t>(place - m_piece.Data()); }
   /// Adds a text behind which at least kShort bytes can be read, at the place, which moves on.
   char* AddAt(char* place, const char* text, std::size_t size) {
-    if (size <= kShort && place <= m_piece.get() + (kPiece - kShort)) {
+    if (size <= kShort && place <= m_lastForShort) {
       std::memcpy(place, text, kShort);
       return place + size;
     }
@@ -230,14 +245,14 @@ class OutputProgram::Output {
   }
 
   void Add(std::string_view text) {
-    if (kPiece - m_size < text.size()) Flush();
+    if (m_capacity - m_size < text.size()) MakeRoom(text.size());
     // By way of the piece: where a mapped file has been cut short, the system's call could not read
     // the text.
-    for (; text.size() > kPiece; text.remove_prefix(kPiece)) {
-      std::memcpy(m_piece.get(), text.data(), kPiece);
-      HandOn({m_piece.get(), kPiece});
+    for (; text.size() > m_capacity; text.remove_prefix(m_capacity)) {
+      std::memcpy(m_piece.Data(), text.data(), m_capacity);
+      HandOn({m_piece.Data(), m_capacity});
     }
-    if (!text.empty()) std::memcpy(m_piece.get() + m_size, text.data(), text.size());
+    if (!text.empty()) std::memcpy(m_piece.Data() + m_size, text.data(), text.size());
     m_size += text.size();
   }
 
@@ -265,28 +280,44 @@ class OutputProgram::Output {
   }
 
   bool Flush() {
-    if (m_size > 0) HandOn({m_piece.get(), m_size});
+    if (m_size > 0) HandOn(GetKept());
     m_size = 0;
     return m_going;
   }
+  /// False when the sink has answered so, or when the text is too long for keeping.
   bool IsGoing() const { return m_going; }
 
  private:
+  void Reserve(std::size_t capacity) {
+    m_piece.Reserve(capacity + kShort);
+    m_capacity = capacity;
+    m_lastForShort = m_piece.Data() + (capacity - kShort);
+  }
+  /// For a text that is longer than a piece there is not enough room all the same.
+  [[gnu::noinline]] void MakeRoom(std::size_t size) {
+    if (m_sink == nullptr && size <= kLongestPart - m_size) {
+      Reserve(m_size + std::max(m_size, size));
+    } else {
+      Flush();
+    }
+  }
   [[gnu::noinline]] char* AddMuch(const char* place, std::string_view text) {
     SetPlace(place);
     Add(text);
-    return m_piece.get() + m_size;
+    return m_piece.Data() + m_size;
   }
   std::uint64_t Total() const { return m_handedOn + m_size; }
-  char Last() const { return m_size > 0 ? m_piece[m_size - 1] : m_last; }
+  char Last() const { return m_size > 0 ? m_piece.Data()[m_size - 1] : m_last; }
   void HandOn(std::string_view text) {
-    m_going = m_going && m_sink(text);
+    m_going = m_going && m_sink != nullptr && (*m_sink)(text);
     m_handedOn += text.size();
     m_last = text.back();
   }
 
-  const Sink& m_sink;
-  std::unique_ptr<char[]> m_piece;
+  const Sink* m_sink = nullptr;          // Not owned; may be null.
+  GrowArray<char> m_piece;               // As memory only: its size is not told.
+  std::size_t m_capacity = 0;            // Apart from kShort bytes behind.
+  const char* m_lastForShort = nullptr;  // Up to here there is room for a short text.
   std::size_t m_size = 0;
   std::uint64_t m_handedOn = 0;
   char m_last = ' ';
@@ -300,26 +331,22 @@ bool OutputProgram::Write(std::string_view before, std::string_view after, const
                           unsigned threads) const {
   const std::vector<std::size_t> starts = StartsOfParts(threads > 1);
   const std::size_t parts = starts.size() - 1;
-  const auto makePart = [this, &starts](std::size_t, std::size_t part, std::string& text) {
-    // What is very long is not gathered: it goes out as it is made.
-    if (TextBetween(starts[part], starts[part + 1]) > kLongestPart) return false;
-    text.clear();
-    const Sink gather = [&text](std::string_view piece) { return text.append(piece), true; };
-    Output out(gather);
-    WriteBlocks(starts[part], starts[part + 1], out);
-    return out.Flush();
+  const auto makePart = [this, &starts](std::size_t, std::size_t part, Output& made) {
+    made.BeginAnew();
+    WriteBlocks(starts[part], starts[part + 1], made);
+    return made.IsGoing();
   };
   const std::size_t workers = std::min<std::size_t>(threads, parts) - 1;
-  WorkAhead<std::string> ahead(workers, parts, kPartsPerThread * (workers + 1), makePart);
+  WorkAhead<Output> ahead(workers, parts, kPartsPerThread * (workers + 1), makePart);
   Output out(sink);
   out.Add(before);
   for (std::size_t part = 0; part < parts && out.IsGoing(); ++part) {
-    const std::string* const made = ahead.Take(part);
+    const Output* const made = ahead.Take(part);
     if (made == nullptr) {
       WriteBlocks(starts[part], starts[part + 1], out);
     } else {
       out.Flush();
-      out.AddAsItIs(*made);
+      out.AddAsItIs(made->GetKept());
     }
   }
   out.Add(after);

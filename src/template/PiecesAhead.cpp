@@ -65,7 +65,11 @@ bool PiecesAhead::Cut(std::size_t worker, std::size_t index, Piece& piece) {
     const std::lock_guard lock(m_mutex);
     piece.singles = m_singles;
   }
-  piece.result = std::make_unique<CTNParsedResult>(m_text, m_program.GetLayout());
+  // A piece that was there before leaves its memory.
+  if (piece.result == nullptr) {
+    piece.result = std::make_unique<CTNParsedResult>(m_text, m_program.GetLayout());
+  }
+  piece.result->RemoveBlocks();
   piece.rows.clear();
   piece.attempts.clear();
   BlockTaker& taker = m_takers[worker];

@@ -24,7 +24,7 @@ class PiecesAhead {
  public:
   /// Whether there is enough text for sharing it.
   static bool IsWorthwhile(std::uint32_t size, std::uint32_t pieceSize) {
-    return size / pieceSize >= 4;
+    return size / pieceSize >= 8;
   }
   /// Of the text from `begin` to `end`. The program, the text and the progress, which may be null,
   /// outlive it. A cancel ends the work on all pieces at once.

@@ -48,7 +48,7 @@ class WorkAhead {
       m_next = m_count;
       m_ended = true;
     }
-    m_changed.notify_all();
+    m_mayBegin.notify_all();
     for (std::thread& thread : m_threads)
       thread.join();
   }
@@ -60,19 +60,18 @@ class WorkAhead {
   Item* Take(std::size_t index) {
     std::unique_lock lock(m_mutex);
     m_taken = index;
-    if (index >= m_next) {
-      m_next = index + 1;
-      m_changed.notify_all();
-      return nullptr;
-    }
-    m_changed.notify_all();
+    const bool begun = index < m_next;
+    if (!begun) m_next = index + 1;
+    // Threads that had to wait begin again when there is enough to do: waking one takes long.
+    if (m_next <= m_taken + (m_slots.size() + 1) / 2) m_mayBegin.notify_all();
+    if (!begun) return nullptr;
     Slot& slot = SlotOf(index);
     while (slot.state == State::Busy) {
       if (m_isCalledOff && m_isCalledOff()) return nullptr;
       if (MayBeginNext()) {
         MakeNext(m_threads.size(), lock);
       } else {
-        m_changed.wait_for(lock, kPatience);
+        m_isMade.wait_for(lock, kPatience);
       }
     }
     return slot.state == State::Made ? &slot.item : nullptr;
@@ -96,7 +95,7 @@ class WorkAhead {
   void Work(std::size_t worker) {
     std::unique_lock lock(m_mutex);
     for (;;) {
-      m_changed.wait(lock, [this] { return m_ended || MayBeginNext(); });
+      m_mayBegin.wait(lock, [this] { return m_ended || MayBeginNext(); });
       if (m_ended) return;
       MakeNext(worker, lock);
     }
@@ -115,14 +114,15 @@ class WorkAhead {
     }
     lock.lock();
     slot.state = made ? State::Made : State::Left;
-    m_changed.notify_all();
+    m_isMade.notify_one();
   }
 
   const Make m_make;
   const IsCalledOff m_isCalledOff;
   const std::size_t m_count;
   std::mutex m_mutex;
-  std::condition_variable m_changed;
+  std::condition_variable m_mayBegin;  // Workers wait for it,
+  std::condition_variable m_isMade;    // and the consumer for this.
   std::vector<Slot> m_slots;
   std::size_t m_next = 0;   // The first item that nobody has begun.
   std::size_t m_taken = 0;  // The item that the consumer took last.

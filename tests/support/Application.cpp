@@ -15,7 +15,7 @@ std::vector<std::string> Application::Readable() const {
 
 ApplicationPurpose WithThreads(ResultUse use) {
   ApplicationPurpose purpose(use, ApplicationPurpose::kNoLimit, 3);
-  purpose.pieceSize = 5;
+  purpose.pieceSize = 3;
   return purpose;
 }
 

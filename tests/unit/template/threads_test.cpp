@@ -115,30 +115,42 @@ TEST_F(Threads, ALastLineThatNothingTakesIsToldTheSame) {
   EXPECT_EQ(Watched(text, WithThreads(), -1), Watched(text, {}, -1));
 }
 
+std::string ListOf(const Application& application, unsigned threads) {
+  std::string list;
+  const OutputProgram::Sink gather = [&list](std::string_view piece) {
+    list += piece;
+    return true;
+  };
+  const OutputProgram program(*application.blocks.GetResult());
+  EXPECT_TRUE(program.Write("<", ">", gather, threads));
+  return list;
+}
+
 TEST_F(Threads, AListOfManyPartsIsTheSame) {
   AddPart();
   const Application application =
       ApplyToText(document, Repeated("abc\nd\n?\n", 50'000) + std::string(2'000'000, 'x') + '\n' +
                                 Repeated("abc\nd\n", 50'000));
-  const auto listWith = [&application](unsigned threads) {
-    std::string list;
-    const OutputProgram::Sink gather = [&list](std::string_view piece) {
-      list += piece;
-      return true;
-    };
-    const OutputProgram program(*application.blocks.GetResult());
-    EXPECT_TRUE(program.Write("<", ">", gather, threads));
-    return list;
-  };
-  const std::string list = listWith(1);
+  const std::string list = ListOf(application, 1);
   EXPECT_GT(list.size(), 5'000'000U);
-  EXPECT_TRUE(listWith(2) == list);
-  EXPECT_TRUE(listWith(5) == list);
+  EXPECT_TRUE(ListOf(application, 2) == list);
+  EXPECT_TRUE(ListOf(application, 5) == list);
+}
+
+TEST_F(Threads, AListOfWhichAPartIsVeryLongIsTheSame) {
+  AddPart();
+  AddRecord(document, RecordKind::Part, "long", {String("1"), Newline()},
+            {{OutputTag::PartNumber, '"' + std::string(1'000, 'x') + '"'}});
+  const Application application = ApplyToText(
+      document, Repeated("abc\n", 300'000) + Repeated("1\n", 6'000) + Repeated("abc\n", 300'000));
+  const std::string list = ListOf(application, 1);
+  EXPECT_GT(list.size(), 6'000'000U + 600'000U * 20);
+  EXPECT_TRUE(ListOf(application, 2) == list);
 }
 
 TEST_F(Threads, AListThatIsStoppedEnds) {
   AddPart();
-  const Application application = ApplyToText(document, Repeated("abc\n", 200'000));
+  const Application application = ApplyToText(document, Repeated("abc\n", 600'000));
   const OutputProgram program(*application.blocks.GetResult());
   int pieces = 0;
   EXPECT_FALSE(program.Write(
