@@ -26,14 +26,12 @@ bool CTNInputText::IsIntact() const { return !m_storage->file.IsCutShort(); }
 std::shared_ptr<const CTNInputText> CTNInputText::Adopt(GrowArray<char> bytes) {
   std::memset(bytes.MakeRoom(kRoomBehind), '\n', kRoomBehind);
   const auto size = static_cast<std::uint32_t>(bytes.Size());
-  return std::make_shared<const CTNInputText>(std::make_shared<const Storage>(std::move(bytes)),
-                                              size);
+  return Make(std::make_shared<const Storage>(std::move(bytes)), size);
 }
 
 std::shared_ptr<const CTNInputText> CTNInputText::Adopt(MappedFile file, std::size_t size) {
   std::memset(file.Data() + size, '\n', kRoomBehind);
-  return std::make_shared<const CTNInputText>(std::make_shared<const Storage>(std::move(file)),
-                                              static_cast<std::uint32_t>(size));
+  return Make(std::make_shared<const Storage>(std::move(file)), static_cast<std::uint32_t>(size));
 }
 
 std::shared_ptr<const CTNInputText> CTNInputText::Copy(std::string_view text) {
@@ -48,7 +46,7 @@ std::shared_ptr<const CTNInputText> CTNInputText::WithLineFeed(
     const std::shared_ptr<const CTNInputText>& text) {
   if (text->Size() >= kMaxSize) throw std::bad_alloc();
   // What stands behind the text begins with a line feed already: it only has to be one longer.
-  return std::make_shared<const CTNInputText>(text->m_storage, text->Size() + 1);
+  return Make(text->m_storage, text->Size() + 1);
 }
 
 }  // namespace bomparser

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace bomparser {
 
@@ -39,10 +40,14 @@ class CTNInputText {
   /// made of it counts.
   bool IsIntact() const;
 
+ private:
   struct Storage;
   CTNInputText(std::shared_ptr<const Storage> storage, std::uint32_t size);
+  static std::shared_ptr<const CTNInputText> Make(std::shared_ptr<const Storage> storage,
+                                                  std::uint32_t size) {
+    return std::shared_ptr<const CTNInputText>(new CTNInputText(std::move(storage), size));
+  }
 
- private:
   std::shared_ptr<const Storage> m_storage;
   const char* m_data;
   std::uint32_t m_size;

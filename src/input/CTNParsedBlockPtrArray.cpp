@@ -15,10 +15,7 @@ CTNParsedResult& CTNParsedBlockPtrArray::Begin(std::shared_ptr<const CTNInputTex
 
 std::ptrdiff_t CTNParsedBlockPtrArray::Add(std::uint32_t text, std::uint32_t textEnd,
                                            std::uint32_t elements, std::uint32_t record,
-                                           std::optional<std::uint32_t> knownRows) {
-  m_building->CheckElementCount();
-  const std::uint32_t rows =
-      knownRows ? *knownRows : m_building->CountRows(text, textEnd, elements, record);
+                                           std::uint32_t rows) {
   if (m_progress != nullptr && m_progress->StepAndPoll(rows)) {
     m_building->CutElements(elements);
     return -1;

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace bomparser {
 
@@ -45,11 +44,10 @@ class CTNParsedBlockPtrArray {
   /// The result under construction; Begin comes first.
   CTNParsedResult& GetBuilding() { return *m_building; }
   /// Appends the block over [text, textEnd) with the element bytes from `elements` on, and tells
-  /// the watching progress of its rows, which are counted if they are not given. Returns its
-  /// position, or -1 when the user has cancelled: the block is not added then. Throws
-  /// std::bad_alloc when memory runs out.
+  /// the watching progress of its rows. Returns its position, or -1 when the user has cancelled:
+  /// the block is not added then. Throws std::bad_alloc when memory runs out.
   std::ptrdiff_t Add(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
-                     std::uint32_t record, std::optional<std::uint32_t> knownRows = {});
+                     std::uint32_t record, std::uint32_t rows);
 
   std::size_t GetSize() const { return m_result ? m_result->GetBlockCount() : 0; }
   /// A view of one block. An index outside the array throws std::invalid_argument.

@@ -100,17 +100,19 @@ class CTNParsedResult {
 
   // Building: elements are written behind ElementEnd, then a block takes all that are new.
 
-  /// Room for `count` more element bytes; taken up by AdvanceElements.
+  /// Room for `count` more element bytes; taken up by AdvanceElements. That throws std::bad_alloc
+  /// when there are more than the numbers can tell; they are not added then.
   std::uint8_t* MakeElementRoom(std::size_t count) { return m_elements.MakeRoom(count); }
   /// How many bytes there is room for.
   std::size_t GetElementRoom() const { return m_elements.Capacity() - m_elements.Size(); }
-  void AdvanceElements(std::size_t count) { m_elements.Advance(count); }
+  void AdvanceElements(std::size_t count) {
+    if (m_elements.Size() + count > std::numeric_limits<std::uint32_t>::max()) {
+      throw std::bad_alloc();
+    }
+    m_elements.Advance(count);
+  }
   /// Drops the elements behind `end`: what a record that failed has left.
   void CutElements(std::uint32_t end) { m_elements.Cut(end); }
-  /// Throws std::bad_alloc when there are more elements than the numbers can tell.
-  void CheckElementCount() const {
-    if (m_elements.Size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-  }
   /// The rows of the block over [text, textEnd) whose elements run from `elements` to the end.
   std::uint32_t CountRows(std::uint32_t text, std::uint32_t textEnd, std::uint32_t elements,
                           std::uint32_t record) const;

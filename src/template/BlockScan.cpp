@@ -35,7 +35,8 @@ std::ptrdiff_t BlockScan::TakeIgnoredLine(std::uint32_t line, std::uint32_t line
   } else {
     record = CTNParsedLayout::kNoRecord;
   }
-  return m_blocks.Add(line, lineEnd, elements, record);
+  const std::uint32_t rows = m_result.CountRows(line, lineEnd, elements, record);
+  return m_blocks.Add(line, lineEnd, elements, record, rows);
 }
 
 BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previous,
@@ -66,19 +67,16 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
 /// Cuts the block at the position and adds it.
 BlockScan::Outcome BlockScan::CutBlock(std::uint32_t& position, std::int64_t& previous) {
   previous = position;
-  const std::uint32_t elements = m_result.ElementEnd();
-  const BlockTaker::Taken taken = m_taker.Take(position);
-  if (taken.end == ProgramMatcher::kFailed) {
+  const auto block = m_taker.Cut(position, m_result);
+  if (!block) {
     m_failedAt = position;
     return Outcome::Unreadable;
   }
-  m_taker.GetMatcher().TakePending();
-  std::optional<std::uint32_t> rows;
-  if (m_program.GetRecord(taken.record).oneLine) rows = 1;
-  const std::ptrdiff_t added = m_blocks.Add(position, taken.end, elements, taken.record, rows);
+  const std::ptrdiff_t added =
+      m_blocks.Add(position, block->textEnd, block->elements, block->record, block->rows);
   if (added < 0) return Outcome::Cancelled;
-  NoteAdded(taken.record, added);
-  position = taken.end;
+  NoteAdded(block->record, added);
+  position = block->textEnd;
   return Outcome::Done;
 }
 

@@ -4,6 +4,7 @@
 #include "template/ProgramMatcher.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace bomparser {
@@ -17,6 +18,35 @@ class BlockTaker {
         m_matcher(program, text),
         m_singles(program.GetRecordCount()) {}
 
+  /// A block, whose elements are the last of a result.
+  struct Block {
+    std::uint32_t record;
+    std::uint32_t textEnd;
+    std::uint32_t elements;  // Where they start.
+    std::uint32_t rows;
+  };
+  /// Takes the block at the position and puts its elements into the result, which is the one that
+  /// the matcher has; the block itself is the caller's to add. Nothing where not even the catch-all
+  /// matches. Throws std::bad_alloc.
+  std::optional<Block> Cut(std::uint32_t position, CTNParsedResult& result) {
+    const std::uint32_t elements = result.ElementEnd();
+    const Taken taken = Take(position);
+    if (taken.end == ProgramMatcher::kFailed) return std::nullopt;
+    m_matcher.TakePending();
+    const std::uint32_t rows = m_program.GetRecord(taken.record).oneLine
+                                   ? 1
+                                   : result.CountRows(position, taken.end, elements, taken.record);
+    return Block{taken.record, taken.end, elements, rows};
+  }
+
+  ProgramMatcher& GetMatcher() { return m_matcher; }
+  const ProgramMatcher& GetMatcher() const { return m_matcher; }
+  /// The single-match records that have matched: they are not tried again. By record.
+  const std::vector<bool>& GetSingles() const { return m_singles; }
+  void SetSingles(const std::vector<bool>& singles) { m_singles = singles; }
+  void NoteSingle(std::uint32_t record) { m_singles[record] = true; }
+
+ private:
   struct Taken {
     std::uint32_t record;
     std::uint32_t end;  // ProgramMatcher::kFailed where not even the catch-all matches.
@@ -31,14 +61,6 @@ class BlockTaker {
     return {m_program.GetCatchAll(), m_matcher.MatchRestOfLine(position)};
   }
 
-  ProgramMatcher& GetMatcher() { return m_matcher; }
-  const ProgramMatcher& GetMatcher() const { return m_matcher; }
-  /// The single-match records that have matched: they are not tried again. By record.
-  const std::vector<bool>& GetSingles() const { return m_singles; }
-  void SetSingles(const std::vector<bool>& singles) { m_singles = singles; }
-  void NoteSingle(std::uint32_t record) { m_singles[record] = true; }
-
- private:
   const MatchProgram& m_program;
   const char* m_text;
   ProgramMatcher m_matcher;

@@ -91,18 +91,17 @@ void PiecesAhead::CutBlocks(std::size_t worker, std::uint32_t position, std::uin
   BlockTaker& taker = m_takers[worker];
   CTNParsedResult& result = *piece.result;
   while (position < end && !IsEnded(worker)) {
-    const std::uint32_t elements = result.ElementEnd();
-    const BlockTaker::Taken taken = taker.Take(position);
+    const auto block = taker.Cut(position, result);
     // What cannot go on is left to who cuts the whole, and tells of it.
-    if (taken.end == ProgramMatcher::kFailed || taken.end <= position) return;
-    taker.GetMatcher().TakePending();
-    result.CheckElementCount();
-    const RecordOp& record = m_program.GetRecord(taken.record);
-    piece.rows.push_back(
-        record.oneLine ? 1 : result.CountRows(position, taken.end, elements, taken.record));
-    result.AppendBlock(position, taken.end, elements, taken.record, piece.rows.back());
-    if (record.singleMatch) taker.NoteSingle(taken.record);
-    position = taken.end;
+    if (!block) return;
+    if (block->textEnd <= position) {
+      result.CutElements(block->elements);
+      return;
+    }
+    piece.rows.push_back(block->rows);
+    result.AppendBlock(position, block->textEnd, block->elements, block->record, block->rows);
+    if (m_program.GetRecord(block->record).singleMatch) taker.NoteSingle(block->record);
+    position = block->textEnd;
   }
 }
 

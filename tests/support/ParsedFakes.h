@@ -132,6 +132,14 @@ inline Taken::Value Instances(std::vector<Taken> instances) {
   return {true, {}, std::move(instances)};
 }
 
+/// Adds a block with the rows that it shows.
+inline std::ptrdiff_t AddBlock(CTNParsedBlockPtrArray& blocks, std::uint32_t text,
+                               std::uint32_t textEnd, std::uint32_t elements,
+                               std::uint32_t record) {
+  const std::uint32_t rows = blocks.GetBuilding().CountRows(text, textEnd, elements, record);
+  return blocks.Add(text, textEnd, elements, record, rows);
+}
+
 /// Makes a result of the blocks, as an application does. The text is theirs, one after the other.
 inline void Fill(CTNParsedBlockPtrArray& blocks, const std::vector<Taken>& taken,
                  ResultUse use = ResultUse::Kept) {
@@ -147,7 +155,7 @@ inline void Fill(CTNParsedBlockPtrArray& blocks, const std::vector<Taken>& taken
     const std::uint32_t elements = result.ElementEnd();
     block.Write(result);
     const auto end = at + static_cast<std::uint32_t>(block.Text().size());
-    blocks.Add(at, end, elements, layout->IndexOf(block.record));
+    AddBlock(blocks, at, end, elements, layout->IndexOf(block.record));
     at = end;
   }
 }
@@ -221,10 +229,10 @@ class FakeTemplate final : public CTNTemplateToApply {
     const std::uint32_t elements = result.ElementEnd();
     const std::string text(m_text->View().substr(line, lineEnd - line));
     if (text.back() != '\n') {
-      return blocks.Add(line, lineEnd, elements, CTNParsedLayout::kNoRecord);
+      return AddBlock(blocks, line, lineEnd, elements, CTNParsedLayout::kNoRecord);
     }
     Taken{&record, {Text(text.substr(0, text.size() - 1)), Text("\n")}}.Write(result);
-    return blocks.Add(line, lineEnd, elements, m_layout->IndexOf(&record));
+    return AddBlock(blocks, line, lineEnd, elements, m_layout->IndexOf(&record));
   }
 
   std::shared_ptr<const CTNInputText> m_text;

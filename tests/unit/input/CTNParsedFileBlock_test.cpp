@@ -684,11 +684,11 @@ TEST_F(CTNParsedFileBlockTest, ABlockForWhichThereIsNoMemoryLeavesTheOthersAsThe
   Line("a", "b").Write(result);
   {
     const test::MemoryRunsOut memory(1);
-    EXPECT_THROW(results.Add(0, 4, first, 0), std::bad_alloc);
+    EXPECT_THROW(test::AddBlock(results, 0, 4, first, 0), std::bad_alloc);
   }
   EXPECT_EQ(result.ElementEnd(), first);
   Line("c", "d").Write(result);
-  EXPECT_EQ(results.Add(4, 8, first, 0), 0);
+  EXPECT_EQ(test::AddBlock(results, 4, 8, first, 0), 0);
   EXPECT_EQ(results.GetAt(0).ToReadableText(), "E1{F1=c|F2= |F3=d|F4=}");
   EXPECT_EQ(results.GetStats().totalBlocks, 1u);
 }

@@ -366,7 +366,7 @@ TEST(ParsedModel, AMillionNestedInstancesTakeAFewBytesEachAndAreWalkedWithoutMor
       put(code);
   }
   put(element_code::kNoMore);
-  blocks.Add(0, 2 * kMany, 0, 0);
+  test::AddBlock(blocks, 0, 2 * kMany, 0, 0);
   EXPECT_EQ(blocks.GetResult()->ElementEnd(), 3 * kMany + 1);
   EXPECT_EQ(blocks.GetStats().totalLines, kMany);
   const LargeArrays memory;
