@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -160,6 +161,7 @@ inline const char* FindNear(const char* from, char wanted) {
 /// behind the end. What is searched for is mostly near: a call of std::memchr costs more than the
 /// search then.
 inline const char* FindChar(const char* from, const char* end, char wanted) {
+  assert(from != nullptr);
   constexpr int kNear = 3;
   for (int i = 0; i < kNear; ++i) {
     const char* const near = FindNear(from, wanted);
