@@ -22,8 +22,9 @@ namespace {
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
 /// Of all constant texts together.
 constexpr std::size_t kMostTexts = std::size_t{1} << 31;
-/// Text is handed on in pieces of this size: large enough for the system, small enough for the
-/// processor's cache.
+/// Text is handed on in pieces of exactly this size: large enough for the system, small enough for
+/// the processor's cache. A file is written faster when its pieces start at multiples of their
+/// size.
 constexpr std::size_t kPiece = std::size_t{256} << 10;
 /// Threads share the list in parts of so much text of the input, whose list is a few times as long.
 constexpr std::uint32_t kPartOfText = 64U << 10;
@@ -229,11 +230,8 @@ class OutputProgram::Output {
   }
   std::string_view GetKept() const { return {m_piece.Data(), m_size}; }
 
-  /// Where text goes on, with room for a short one.
-  char* Place() {
-    if (m_capacity - m_size < kShort) MakeRoom(kShort);
-    return m_piece.Data() + m_size;
-  }
+  /// Where text goes on.
+  char* Place() { return m_piece.Data() + m_size; }
   void SetPlace(const char* place) { m_size = static_cast<std::size_t>(place - m_piece.Data()); }
   /// Adds a text behind which at least kShort bytes can be read, at the place, which moves on.
   char* AddAt(char* place, const char* text, std::size_t size) {
@@ -244,16 +242,17 @@ class OutputProgram::Output {
     return AddMuch(place, {text, size});
   }
 
+  /// Long texts go by way of the piece as well: where a mapped file has been cut short, the
+  /// system's call could not read them.
   void Add(std::string_view text) {
-    if (m_capacity - m_size < text.size()) MakeRoom(text.size());
-    // By way of the piece: where a mapped file has been cut short, the system's call could not read
-    // the text.
-    for (; text.size() > m_capacity; text.remove_prefix(m_capacity)) {
-      std::memcpy(m_piece.Data(), text.data(), m_capacity);
-      HandOn({m_piece.Data(), m_capacity});
+    for (;;) {
+      const std::size_t size = std::min(text.size(), m_capacity - std::min(m_size, m_capacity));
+      if (size > 0) std::memcpy(Place(), text.data(), size);
+      m_size += size;
+      text.remove_prefix(size);
+      if (text.empty()) return;
+      MakeRoom();
     }
-    if (!text.empty()) std::memcpy(m_piece.Data() + m_size, text.data(), text.size());
-    m_size += text.size();
   }
 
   /// The same for a long text that is in memory, when nothing is gathered.
@@ -291,15 +290,17 @@ class OutputProgram::Output {
   void Reserve(std::size_t capacity) {
     m_piece.Reserve(capacity + kShort);
     m_capacity = capacity;
-    m_lastForShort = m_piece.Data() + (capacity - kShort);
+    m_lastForShort = m_piece.Data() + capacity;
   }
-  /// For a text that is longer than a piece there is not enough room all the same.
-  [[gnu::noinline]] void MakeRoom(std::size_t size) {
-    if (m_sink == nullptr && size <= kLongestPart - m_size) {
-      Reserve(m_size + std::max(m_size, size));
-    } else {
-      Flush();
+  /// Where the piece is full: hands it on, or makes it longer.
+  void MakeRoom() {
+    if (m_sink == nullptr && m_capacity < kLongestPart) {
+      Reserve(2 * m_capacity);
+      return;
     }
+    HandOn({m_piece.Data(), m_capacity});
+    m_size -= m_capacity;  // The last short text may have gone beyond the end.
+    std::memcpy(m_piece.Data(), m_piece.Data() + m_capacity, m_size);
   }
   [[gnu::noinline]] char* AddMuch(const char* place, std::string_view text) {
     SetPlace(place);
@@ -316,7 +317,7 @@ class OutputProgram::Output {
 
   const Sink* m_sink = nullptr;          // Not owned; may be null.
   GrowArray<char> m_piece;               // As memory only: its size is not told.
-  std::size_t m_capacity = 0;            // Apart from kShort bytes behind.
+  std::size_t m_capacity = 0;            // Apart from kShort bytes behind, for the last text.
   const char* m_lastForShort = nullptr;  // Up to here there is room for a short text.
   std::size_t m_size = 0;
   std::uint64_t m_handedOn = 0;
