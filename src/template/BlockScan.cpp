@@ -8,6 +8,10 @@
 
 namespace bomparser {
 
+namespace {
+constexpr std::uint32_t kPiecesOfTrial = 4;
+}  // namespace
+
 BlockScan::BlockScan(const CTNParserTemplate& document,
                      const std::shared_ptr<const CTNInputText>& text,
                      CTNParsedBlockPtrArray& blocks, const ApplicationPurpose& purpose)
@@ -44,13 +48,14 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
   m_firstBlock = m_result.GetBlockCount();
   m_lastBlock = m_firstBlock;
   previous = std::int64_t{position} - 1;
-  if (m_purpose.threads > 1 && position < end &&
-      PiecesAhead::IsWorthwhile(end - position, m_purpose.pieceSize)) {
-    m_ahead.emplace(m_program, m_result.GetText(), position, end, m_purpose,
-                    m_blocks.GetProgress());
-  }
+  const std::uint32_t sharedFrom = StartOfSharing(position, end);
   Outcome outcome = Outcome::Done;
   while (position < end && outcome == Outcome::Done && !m_givenUp) {
+    if (position >= sharedFrom && !m_ahead) {
+      m_ahead.emplace(m_program, m_result.GetText(), position, end, m_purpose,
+                      m_blocks.GetProgress());
+      m_ahead->NoteSingles(m_taker.GetSingles());
+    }
     PiecesAhead::Blocks blocks;
     if (previous >= position) {
       outcome = Outcome::NotAdvanced;
@@ -62,6 +67,16 @@ BlockScan::Outcome BlockScan::Run(std::uint32_t& position, std::int64_t& previou
   }
   m_ahead.reset();
   return outcome;
+}
+
+/// From where on threads share the text; its end if they do not.
+std::uint32_t BlockScan::StartOfSharing(std::uint32_t begin, std::uint32_t end) const {
+  if (m_purpose.threads <= 1 || begin >= end) return end;
+  const std::uint32_t piece = m_purpose.pieceSize;
+  // An application that may be given up mostly is, and early: nothing is made ahead for it.
+  const bool trial = m_purpose.mostUnmatched != ApplicationPurpose::kNoLimit;
+  const std::uint32_t alone = trial ? std::min(end - begin, kPiecesOfTrial * piece) : 0;
+  return PiecesAhead::IsWorthwhile(end - begin - alone, piece) ? begin + alone : end;
 }
 
 /// Cuts the block at the position and adds it.

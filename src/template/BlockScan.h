@@ -51,6 +51,7 @@ class BlockScan {
   std::ptrdiff_t GetSingleMatchBlock(const CTNTemplateRecord& record) const;
 
  private:
+  std::uint32_t StartOfSharing(std::uint32_t begin, std::uint32_t end) const;
   Outcome CutBlock(std::uint32_t& position, std::int64_t& previous);
   Outcome AddBlocks(PiecesAhead::Blocks& blocks, std::uint32_t& position, std::int64_t& previous);
   void NoteAdded(std::uint32_t record, std::ptrdiff_t block);
