@@ -22,7 +22,7 @@ BlockScan::BlockScan(const CTNParserTemplate& document,
       m_taker(m_program, *text),
       m_singleBlocks(m_program.GetRecordCount(), -1),
       m_orderOf(m_program.GetRecordCount(), 0) {
-  m_taker.GetMatcher().SetResult(m_result);
+  m_taker.SetResult(m_result);
   const auto& order = m_program.GetTryOrder();
   for (std::uint32_t i = 0; i < order.size(); ++i)
     m_orderOf[order[i]] = i;
@@ -82,7 +82,7 @@ std::uint32_t BlockScan::StartOfSharing(std::uint32_t begin, std::uint32_t end) 
 /// Cuts the block at the position and adds it.
 BlockScan::Outcome BlockScan::CutBlock(std::uint32_t& position, std::int64_t& previous) {
   previous = position;
-  const auto block = m_taker.Cut(position, m_result);
+  const auto block = m_taker.Cut(position);
   if (!block) {
     m_failedAt = position;
     return Outcome::Unreadable;

@@ -18,24 +18,30 @@ class BlockTaker {
         m_matcher(program, text),
         m_singles(program.GetRecordCount()) {}
 
-  /// A block, whose elements are the last of a result.
+  /// Where elements go from now on.
+  void SetResult(CTNParsedResult& result) {
+    m_result = &result;
+    m_matcher.SetResult(result);
+  }
+
+  /// A block, whose elements are the last of the result.
   struct Block {
     std::uint32_t record;
     std::uint32_t textEnd;
     std::uint32_t elements;  // Where they start.
     std::uint32_t rows;
   };
-  /// Takes the block at the position and puts its elements into the result, which is the one that
-  /// the matcher has; the block itself is the caller's to add. Nothing where not even the catch-all
-  /// matches. Throws std::bad_alloc.
-  std::optional<Block> Cut(std::uint32_t position, CTNParsedResult& result) {
-    const std::uint32_t elements = result.ElementEnd();
+  /// Takes the block at the position and puts its elements into the result; the block itself is the
+  /// caller's to add. Nothing where not even the catch-all matches. Throws std::bad_alloc.
+  std::optional<Block> Cut(std::uint32_t position) {
+    const std::uint32_t elements = m_result->ElementEnd();
     const Taken taken = Take(position);
     if (taken.end == ProgramMatcher::kFailed) return std::nullopt;
     m_matcher.TakePending();
-    const std::uint32_t rows = m_program.GetRecord(taken.record).oneLine
-                                   ? 1
-                                   : result.CountRows(position, taken.end, elements, taken.record);
+    const std::uint32_t rows =
+        m_program.GetRecord(taken.record).oneLine
+            ? 1
+            : m_result->CountRows(position, taken.end, elements, taken.record);
     return Block{taken.record, taken.end, elements, rows};
   }
 
@@ -63,6 +69,7 @@ class BlockTaker {
 
   const MatchProgram& m_program;
   const char* m_text;
+  CTNParsedResult* m_result = nullptr;  // Not owned.
   ProgramMatcher m_matcher;
   std::vector<bool> m_singles;
 };

@@ -221,7 +221,7 @@ class OutputProgram::Output {
 
   /// For an output that keeps its text: makes it ready, with the memory that it has from before.
   void BeginAnew() {
-    if (m_capacity == 0) Reserve(kPiece);
+    if (m_full == nullptr) Reserve(kPiece);
     m_size = 0;
     m_handedOn = 0;
     m_going = true;
@@ -235,7 +235,7 @@ class OutputProgram::Output {
   void SetPlace(const char* place) { m_size = static_cast<std::size_t>(place - m_piece.Data()); }
   /// Adds a text behind which at least kShort bytes can be read, at the place, which moves on.
   char* AddAt(char* place, const char* text, std::size_t size) {
-    if (size <= kShort && place <= m_lastForShort) {
+    if (size <= kShort && place <= m_full) {
       std::memcpy(place, text, kShort);
       return place + size;
     }
@@ -246,7 +246,7 @@ class OutputProgram::Output {
   /// system's call could not read them.
   void Add(std::string_view text) {
     for (;;) {
-      const std::size_t size = std::min(text.size(), m_capacity - std::min(m_size, m_capacity));
+      const std::size_t size = std::min(text.size(), Capacity() - std::min(m_size, Capacity()));
       if (size > 0) std::memcpy(Place(), text.data(), size);
       m_size += size;
       text.remove_prefix(size);
@@ -287,20 +287,20 @@ class OutputProgram::Output {
   bool IsGoing() const { return m_going; }
 
  private:
+  std::size_t Capacity() const { return static_cast<std::size_t>(m_full - m_piece.Data()); }
   void Reserve(std::size_t capacity) {
     m_piece.Reserve(capacity + kShort);
-    m_capacity = capacity;
-    m_lastForShort = m_piece.Data() + capacity;
+    m_full = m_piece.Data() + capacity;
   }
   /// Where the piece is full: hands it on, or makes it longer.
   void MakeRoom() {
-    if (m_sink == nullptr && m_capacity < kLongestPart) {
-      Reserve(2 * m_capacity);
+    if (m_sink == nullptr && Capacity() < kLongestPart) {
+      Reserve(2 * Capacity());
       return;
     }
-    HandOn({m_piece.Data(), m_capacity});
-    m_size -= m_capacity;  // The last short text may have gone beyond the end.
-    std::memcpy(m_piece.Data(), m_piece.Data() + m_capacity, m_size);
+    HandOn({m_piece.Data(), Capacity()});
+    m_size -= Capacity();  // The last short text may have gone beyond the end.
+    std::memcpy(m_piece.Data(), m_full, m_size);
   }
   [[gnu::noinline]] char* AddMuch(const char* place, std::string_view text) {
     SetPlace(place);
@@ -315,10 +315,9 @@ class OutputProgram::Output {
     m_last = text.back();
   }
 
-  const Sink* m_sink = nullptr;          // Not owned; may be null.
-  GrowArray<char> m_piece;               // As memory only: its size is not told.
-  std::size_t m_capacity = 0;            // Apart from kShort bytes behind, for the last text.
-  const char* m_lastForShort = nullptr;  // Up to here there is room for a short text.
+  const Sink* m_sink = nullptr;  // Not owned; may be null.
+  GrowArray<char> m_piece;       // As memory only: its size is not told.
+  const char* m_full = nullptr;  // Its end; the last short text may go beyond, by kShort bytes.
   std::size_t m_size = 0;
   std::uint64_t m_handedOn = 0;
   char m_last = ' ';

@@ -74,7 +74,7 @@ bool PiecesAhead::Cut(std::size_t worker, std::size_t index, Piece& piece) {
   piece.attempts.clear();
   BlockTaker& taker = m_takers[worker];
   taker.SetSingles(piece.singles);
-  taker.GetMatcher().SetResult(*piece.result);
+  taker.SetResult(*piece.result);
   CutBlocks(worker, m_starts[index], m_starts[index + 1], piece);
   const auto& attempts = taker.GetMatcher().GetNestedAttempts();
   for (std::uint32_t record = 0; record < attempts.size(); ++record) {
@@ -91,7 +91,7 @@ void PiecesAhead::CutBlocks(std::size_t worker, std::uint32_t position, std::uin
   BlockTaker& taker = m_takers[worker];
   CTNParsedResult& result = *piece.result;
   while (position < end && !IsEnded(worker)) {
-    const auto block = taker.Cut(position, result);
+    const auto block = taker.Cut(position);
     // What cannot go on is left to who cuts the whole, and tells of it.
     if (!block) return;
     if (block->textEnd <= position) {
