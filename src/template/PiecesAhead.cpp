@@ -92,12 +92,9 @@ void PiecesAhead::CutBlocks(std::size_t worker, std::uint32_t position, std::uin
   CTNParsedResult& result = *piece.result;
   while (position < end && !IsEnded(worker)) {
     const auto block = taker.Cut(position);
-    // What cannot go on is left to who cuts the whole, and tells of it.
-    if (!block) return;
-    if (block->textEnd <= position) {
-      result.CutElements(block->elements);
-      return;
-    }
+    // What cannot go on is left to who cuts the whole, and tells of it. A block that takes nothing
+    // leaves no elements: its record has no fields.
+    if (!block || block->textEnd <= position) return;
     piece.rows.push_back(block->rows);
     result.AppendBlock(position, block->textEnd, block->elements, block->record, block->rows);
     if (m_program.GetRecord(block->record).singleMatch) taker.NoteSingle(block->record);

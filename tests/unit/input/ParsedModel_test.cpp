@@ -4,10 +4,13 @@
 #include "input/CTNParsedBlockPtrArray.h"
 #include "tests/support/ParsedFakes.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <new>
 #include <random>
 #include <string>
 #include <vector>
@@ -294,6 +297,24 @@ class LargeArrays {
   static inline std::size_t s_asked = 0;
   static inline ReallocateFunction s_real = nullptr;
 };
+
+TEST(ParsedModel, MoreElementsThanTheNumbersCanTellAreNotAdded) {
+  const auto text = CTNInputText::Copy("");
+  // Of their memory, which nobody touches here, arrays get no more than the first bytes.
+  static ReallocateFunction s_real = nullptr;
+  s_real = SetReallocateFunction(
+      [](void* old, std::size_t bytes) { return s_real(old, std::min<std::size_t>(bytes, 64)); });
+  {
+    CTNParsedResult result(text, std::make_shared<CTNParsedLayout>());
+    constexpr std::uint32_t kMost = 0xFFFFFFFF;
+    result.MakeElementRoom(std::size_t{kMost} + 1);
+    result.AdvanceElements(kMost);
+    EXPECT_EQ(result.ElementEnd(), kMost);
+    EXPECT_THROW(result.AdvanceElements(1), std::bad_alloc);
+    EXPECT_EQ(result.ElementEnd(), kMost);
+  }
+  SetReallocateFunction(s_real);
+}
 
 constexpr std::uint32_t kMany = 1'000'000;
 

@@ -43,6 +43,7 @@ class Threads : public ::testing::Test {
     tell(stats.totalLines);
     tell(stats.unmatchedBlocks);
     tell(log.steps);
+    if (const auto result = application.blocks.GetResult()) tell(result->ElementEnd());
     for (const std::string& block : application.Readable())
       told += ' ' + block;
     return told + ' ' + application.error;
@@ -105,8 +106,13 @@ TEST_F(Threads, BlocksOverManyPiecesAreOne) {
 TEST_F(Threads, ARecordThatTakesNothingIsToldTheSame) {
   Add(RecordKind::MultipleMatch, {Alpha(), Newline()});
   Add(RecordKind::MultipleMatch, {});
-  const std::string text = Repeated("ab\n", 30) + "?\n" + Repeated("ab\n", 30);
-  EXPECT_EQ(Watched(text, WithThreads(), -1), Watched(text, {}, -1));
+  // At the start of a piece, and behind another block of it.
+  for (const int before : {30, 31}) {
+    const std::string text = Repeated("a\n", before) + "?\n" + Repeated("a\n", 30);
+    const std::string told = Watched(text, {}, -1);
+    EXPECT_EQ(told.front(), '0') << told;
+    EXPECT_EQ(Watched(text, WithThreads(), -1), told) << before;
+  }
 }
 
 TEST_F(Threads, ALastLineThatNothingTakesIsToldTheSame) {
@@ -115,9 +121,11 @@ TEST_F(Threads, ALastLineThatNothingTakesIsToldTheSame) {
   EXPECT_EQ(Watched(text, WithThreads(), -1), Watched(text, {}, -1));
 }
 
+/// The list, which must come in pieces that are not too long to be held by every thread.
 std::string ListOf(const Application& application, unsigned threads) {
   std::string list;
   const OutputProgram::Sink gather = [&list](std::string_view piece) {
+    EXPECT_LE(piece.size(), std::size_t{4} << 20);
     list += piece;
     return true;
   };
@@ -146,6 +154,7 @@ TEST_F(Threads, AListOfWhichAPartIsVeryLongIsTheSame) {
   const std::string list = ListOf(application, 1);
   EXPECT_GT(list.size(), 6'000'000U + 600'000U * 20);
   EXPECT_TRUE(ListOf(application, 2) == list);
+  EXPECT_TRUE(ListOf(application, 5) == list);
 }
 
 TEST_F(Threads, AListThatIsStoppedEnds) {
