@@ -2,7 +2,8 @@
 
 kBuildPackages=(g++ make cmake ninja-build ccache libxml2-dev libcli11-dev libfmt-dev
   libicu-dev zlib1g-dev liblzma-dev)  # The last three: what a program needs that has libxml2 in it.
-kTestPackages=(libgtest-dev libgmock-dev python3 clang-format clang-tidy locales)
+kWindowPackages=(qt6-base-dev qt6-svg-dev fonts-dejavu-core)
+kTestPackages=("${kWindowPackages[@]}" libgtest-dev libgmock-dev python3 clang-format clang-tidy locales)
 
 package_is_there() {
   [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]

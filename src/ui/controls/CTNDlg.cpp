@@ -1,0 +1,142 @@
+#include "ui/controls/CTNDlg.h"
+
+#include "input/MessageTexts.h"
+
+#include <QAbstractScrollArea>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QWhatsThis>
+#include <algorithm>
+#include <array>
+
+namespace bomparser {
+namespace {
+
+// Controls of every dialog that the help engine has no topic of ours for, and the pairs that hosts
+// expect behind each list.
+constexpr std::array kFixedPairs = {HelpPair(12323, 77859), HelpPair(12324, 77860),
+                                    HelpPair(12325, 77861)};
+
+bool HasStandardHelp(int control) {
+  const auto isControl = [control](const HelpPair& pair) { return pair.first == control; };
+  return control == static_cast<int>(Ctrl::Ok) || control == static_cast<int>(Ctrl::Cancel) ||
+         control == static_cast<int>(Ctrl::Help) || std::ranges::any_of(kFixedPairs, isControl);
+}
+
+bool HasNumber(const QWidget& control) {
+  constexpr auto kNoNumber = static_cast<Ctrl>(65535);
+  const Ctrl number = GetControlId(control);
+  return number != Ctrl::None && number != kNoNumber;
+}
+
+bool IsPartOfControl(const QWidget& part) {
+  const QWidget* const whole = part.parentWidget();
+  return qobject_cast<const QAbstractScrollArea*>(whole) != nullptr ||
+         qobject_cast<const QComboBox*>(whole) != nullptr ||
+         qobject_cast<const QAbstractSpinBox*>(whole) != nullptr;
+}
+
+bool IsTabStop(const QWidget& control) {
+  return (control.focusPolicy() & Qt::TabFocus) != 0 && control.isVisible() &&
+         control.isEnabled() && HasNumber(control);
+}
+
+}  // namespace
+
+CTNDlg::CTNDlg(CTNHostApp& host, DialogId number, QWidget* parent) : QDialog(parent), m_host(host) {
+  SetDialogId(*this, number);
+  setWindowFlag(Qt::WindowContextHelpButtonHint);
+}
+
+QWidget* CTNDlg::ControlAt(const QPoint& point) {
+  if (QWidget* control = childAt(point)) return control;
+  // A control may be about to appear: one look more once everything that waits is done.
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  return childAt(point);
+}
+
+QWidget* CTNDlg::OrNextWithNumber(QWidget* control) {
+  // What lies under the point may be a part of a control only.
+  while (!HasNumber(*control) && IsPartOfControl(*control))
+    control = control->parentWidget();
+  if (HasNumber(*control)) return control;
+  for (QWidget* next = control->nextInFocusChain(); next != control;
+       next = next->nextInFocusChain()) {
+    if (IsTabStop(*next)) return next;
+  }
+  return control;
+}
+
+void CTNDlg::ShowPopUp(HelpCommand command, std::vector<HelpPair> pairs, QWidget* control,
+                       const QPoint& screenPoint) {
+  HelpRequest request;
+  request.command = command;
+  request.topicFile = m_host.GetHelpFilePath() + GetMessageText(Msg::ContextHelpTopicSuffix);
+  request.pairs = std::move(pairs);
+  request.control = control;
+  request.screenPoint = screenPoint;
+  m_host.ShowHelp(request);
+}
+
+void CTNDlg::ShowMenuHelp(QWidget* control, const QPoint& screenPoint) {
+  if (control == nullptr) return;
+  control = OrNextWithNumber(control);
+  const int help = GetHelpId(*control);
+  if (help == 0) return;
+  ShowPopUp(HelpCommand::ContextMenu, {{static_cast<int>(GetControlId(*control)), help}}, control,
+            screenPoint);
+}
+
+void CTNDlg::ShowKeyHelp(QWidget* control, const QPoint& screenPoint) {
+  if (control == nullptr) return;
+  control = OrNextWithNumber(control);
+  const int number = static_cast<int>(GetControlId(*control));
+  std::vector<HelpPair> pairs;
+  // The help engine's own texts serve for buttons that every dialog has.
+  pairs.push_back(HasStandardHelp(number) ? HelpPair(-2, -2)
+                                          : HelpPair(number, GetHelpId(*control)));
+  pairs.insert(pairs.end(), kFixedPairs.begin(), kFixedPairs.end());
+  pairs.emplace_back(0, 0);
+  ShowPopUp(HelpCommand::HelpKey, std::move(pairs), control, screenPoint);
+}
+
+bool CTNDlg::event(QEvent* event) {
+  switch (event->type()) {
+    case QEvent::QueryWhatsThis:
+      // Every place of the dialog has help, or leads to a control that has.
+      event->accept();
+      return true;
+    case QEvent::WhatsThis: {
+      const auto* help = static_cast<QHelpEvent*>(event);
+      ShowKeyHelp(ControlAt(mapFromGlobal(help->globalPos())), help->globalPos());
+      return true;
+    }
+    default:
+      return QDialog::event(event);
+  }
+}
+
+void CTNDlg::contextMenuEvent(QContextMenuEvent* event) {
+  const QPoint point = mapFromGlobal(event->globalPos());
+  ShowMenuHelp(event->reason() == QContextMenuEvent::Keyboard ? focusWidget() : ControlAt(point),
+               event->globalPos());
+  event->accept();
+}
+
+void CTNDlg::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_F1) {
+    QDialog::keyPressEvent(event);
+    return;
+  }
+  if (event->modifiers().testFlag(Qt::ShiftModifier)) {
+    QWhatsThis::enterWhatsThisMode();
+  } else if (QWidget* control = focusWidget()) {
+    ShowKeyHelp(control, control->mapToGlobal(control->rect().center()));
+  }
+}
+
+}  // namespace bomparser

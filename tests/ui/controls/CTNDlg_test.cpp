@@ -1,0 +1,102 @@
+#include "ui/controls/CTNDlg.h"
+
+#include "tests/ui/support/UiTest.h"
+
+#include <QHelpEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace bomparser::test {
+namespace {
+
+class CTNDlgTest : public testing::Test {
+ protected:
+  CTNDlgTest() {
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(label);
+    layout->addWidget(edit);
+    layout->addWidget(button);
+    SetControlId(*edit, Ctrl::TabStop);
+    SetControlId(*button, Ctrl::Ok);
+    dialog.show();
+    Settle();
+  }
+  void HelpButtonAt(const QWidget& control) {
+    const QPoint point = control.mapToGlobal(control.rect().center());
+    QHelpEvent event(QEvent::WhatsThis, dialog.mapFromGlobal(point), point);
+    QApplication::sendEvent(&dialog, &event);
+  }
+
+  FakeHostApp host;
+  CTNDlg dialog{host, DialogId::AppSettings};
+  QLabel* label = new QLabel("Tab Stop:");
+  QLineEdit* edit = new QLineEdit;
+  QPushButton* button = new QPushButton("OK");
+};
+
+TEST_F(CTNDlgTest, CarriesItsNumberAndTheHelpButton) {
+  EXPECT_EQ(GetDialogId(dialog), DialogId::AppSettings);
+  EXPECT_TRUE(dialog.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+}
+
+TEST_F(CTNDlgTest, RightClickShowsTheHelpOfTheControlUnderThePoint) {
+  edit->setContextMenuPolicy(Qt::NoContextMenu);
+  RightClick(dialog, edit->geometry().center());
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].command, HelpCommand::ContextMenu);
+  EXPECT_EQ(host.help[0].topicFile, "manual.hlp::/context.txt");
+  EXPECT_EQ(host.help[0].pairs, std::vector<HelpPair>({{3045, 65536 + 3045}}));
+  EXPECT_EQ(host.help[0].control, edit);
+}
+
+TEST_F(CTNDlgTest, AControlWithoutNumberStandsForTheNextInTabOrder) {
+  RightClick(dialog, label->geometry().center());
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].pairs, std::vector<HelpPair>({{3045, 65536 + 3045}}));
+}
+
+TEST_F(CTNDlgTest, NumbersOfNoControlCountAsNone) {
+  label->setProperty(id_property::kControl, 65535);
+  RightClick(dialog, label->geometry().center());
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].control, edit);
+}
+
+TEST_F(CTNDlgTest, AControlWithoutHelpShowsNothing) {
+  edit->setProperty(id_property::kHelp, 0);
+  RightClick(dialog, label->geometry().center());
+  EXPECT_TRUE(host.help.empty());
+}
+
+TEST_F(CTNDlgTest, WhereThereIsNoControlNothingIsShown) {
+  RightClick(dialog, QPoint(1, 1));
+  EXPECT_TRUE(host.help.empty());
+}
+
+TEST_F(CTNDlgTest, TheHelpButtonPassesTheControlAndTheFixedPairs) {
+  HelpButtonAt(*edit);
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].command, HelpCommand::HelpKey);
+  EXPECT_EQ(host.help[0].pairs,
+            std::vector<HelpPair>(
+                {{3045, 68581}, {12323, 77859}, {12324, 77860}, {12325, 77861}, {0, 0}}));
+}
+
+TEST_F(CTNDlgTest, ButtonsThatEveryDialogHasAreAskedForAsMinusTwo) {
+  HelpButtonAt(*button);
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].pairs.front(), HelpPair(-2, -2));
+}
+
+TEST_F(CTNDlgTest, TheHelpKeyIsAboutTheControlThatHasTheFocus) {
+  edit->setFocus();
+  QTest::keyClick(edit, Qt::Key_F1);
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].command, HelpCommand::HelpKey);
+  EXPECT_EQ(host.help[0].control, edit);
+}
+
+}  // namespace
+}  // namespace bomparser::test
