@@ -21,4 +21,12 @@ function(bomparser_add_floor target)
   target_link_libraries(${target}
     PUBLIC ${floor_BELOW} ${floor_PUBLIC_LINKS}
     PRIVATE bomparser_flags ${floor_PRIVATE_LINKS})
+  if(CMAKE_AUTOMOC)
+    # The build does not notice by itself that moc has to look at new files.
+    file(GLOB headers CONFIGURE_DEPENDS "*.h")
+    if(NOT "${headers}" STREQUAL "${${target}_HEADERS}")
+      file(REMOVE "${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp")
+      set(${target}_HEADERS "${headers}" CACHE INTERNAL "The headers that moc has looked at")
+    endif()
+  endif()
 endfunction()
