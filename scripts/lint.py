@@ -56,6 +56,13 @@ def units_of(build):
             if build not in path.parents and any(folder in path.parents for folder in own) and path.is_file()}
 
 
+def checks_for(path):
+    """The texts of all that says what is checked in the file."""
+    folders = [folder for folder in path.parents if folder == ROOT or ROOT in folder.parents]
+    files = [folder / ".clang-tidy" for folder in folders]
+    return "".join(file.read_text() for file in files if file.is_file())
+
+
 def lint(tool, build, path):
     """Returns the complaints about one file, empty when there are none."""
     done = subprocess.run([tool, "--quiet", "-p", str(build), str(path)], capture_output=True, text=True, check=False)
@@ -72,14 +79,13 @@ def main():
     if tool is None:
         sys.exit("clang-tidy is not installed")
 
-    checks = "".join(path.read_text() for path in sorted(ROOT.glob("**/.clang-tidy")) if build not in path.parents)
     version = subprocess.run([tool, "--version"], capture_output=True, text=True, check=True).stdout
     digests, stamps = Digests(), build / "lint"
     stamps.mkdir(exist_ok=True)
     changed = {}
     for path, command in units_of(build).items():
         stamp = stamps / (str(path.relative_to(ROOT)).replace("/", "!") + ".ok")
-        digest = digests.of(path, checks + version + command)
+        digest = digests.of(path, checks_for(path) + version + command)
         if not stamp.is_file() or stamp.read_text() != digest:
             changed[path] = (stamp, digest)
 
