@@ -94,6 +94,10 @@ enum class Ctrl : int {
 
   // Error log.
   ErrorLines = 3068,
+
+  // Progress window.
+  ProgressText = 10100,
+  ProgressBar = 10101,
 };
 
 /// Every dialog and page by its resource number; 0 for those that have none.
