@@ -12,6 +12,10 @@ enum class Ctrl : int {
   Cancel = 2,
   Help = 9,
 
+  // Property sheets.
+  Apply = 12321,
+  SheetExtra = 10050,
+
   // Main dialog.
   InputFields = 3001,
   TemplateFile = 3002,
@@ -65,6 +69,15 @@ enum class Ctrl : int {
   TotalBlocks = 3059,
   EntityBlocks = 3060,
   AuxiliaryBlocks = 3061,
+
+  // Viewer of entity lists.
+  ViewerText = 10040,
+  ViewerRows = 10041,
+  FindWhat = 10042,
+  FindNext = 10043,
+  FindPrevious = 10044,
+  FindClose = 10045,
+  FindOutcome = 10046,
 
   // Template parameters dialog.
   ParamUnits = 3030,
