@@ -36,6 +36,9 @@ class CTNParsedBlockPtrArray {
  public:
   explicit CTNParsedBlockPtrArray(CTNParserContext* context) : m_context(context) {}
 
+  /// The engine that the blocks belong to, or null. Not owned.
+  CTNParserContext* GetContext() const { return m_context; }
+
   /// Starts over with an empty result over the text; the old one stays with whoever shares it.
   /// Of an application for its counts alone, blocks are counted and not kept.
   CTNParsedResult& Begin(std::shared_ptr<const CTNInputText> text,

@@ -17,6 +17,10 @@ class CTNMatchedField;
 /// A colour as 0x00BBGGRR.
 using Colour = std::uint32_t;
 
+/// How blocks of a kind are shown as long as the results are not stale.
+Colour BackColourOf(BlockKind kind);
+Colour TextColourOf(BlockKind kind);
+
 /// The run of input text that one record took. Either a light view of a block inside a result,
 /// which it keeps alive, or a block on its own, which the plain matcher fills.
 class CTNParsedFileBlock final : public CTNParserArrayElement {

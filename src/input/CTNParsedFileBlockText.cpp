@@ -4,6 +4,8 @@
 
 #include "input/MessageTexts.h"
 
+#include <algorithm>
+
 namespace bomparser {
 
 namespace {
@@ -39,6 +41,53 @@ bool IsBuiltIn(RecordKind kind) {
   return kind == RecordKind::IgnoredLines || kind == RecordKind::UnmatchedLines;
 }
 
+/// Hands the element's text to `put` in pieces.
+template <class Put>
+void PutElement(Put put, const ShownElement& element, Markup markup, Newlines newlines) {
+  const bool named = markup == Markup::On && !IsBuiltIn(element.record->kind);
+  std::string name;
+  if (named) {
+    name = element.record->id + '.';
+    AppendFieldId(name, element);
+    put("<");
+    put(name);
+    put(",");
+    put(TypeName(element));
+    put(">");
+  } else if (newlines == Newlines::Shown && element.kind == FieldKind::Newline) {
+    put("<NEWLINE>");
+  }
+  put(element.text);
+  if (named && !element.text.empty()) {
+    put("</");
+    put(name);
+    put(">");
+  }
+}
+
+/// Takes the pieces of one row up to the limit of its form.
+class RowTextWriter {
+ public:
+  RowTextWriter(std::string& out, const RowTextForm& form)
+      : m_out(out), m_start(out.size()), m_most(form.most), m_tabs(form.tabStop) {}
+
+  bool IsFull() const { return m_out.size() - m_start >= m_most; }
+  void Put(std::string_view piece) {
+    // Bit by bit: only the expanded text tells when there is enough of it.
+    constexpr std::size_t kBit = 4096;
+    while (!piece.empty() && !IsFull()) {
+      m_tabs.Append(m_out, piece.substr(0, kBit));
+      piece.remove_prefix(std::min(piece.size(), kBit));
+    }
+  }
+
+ private:
+  std::string& m_out;
+  std::size_t m_start;
+  std::size_t m_most;
+  TabExpander m_tabs;
+};
+
 }  // namespace
 
 std::string CTNParsedFileBlockElement::GetFieldId() const {
@@ -49,26 +98,7 @@ std::string CTNParsedFileBlockElement::GetFieldId() const {
 
 void CTNParsedFileBlockElement::AppendText(std::string& out, const ShownElement& element,
                                            Markup markup, Newlines newlines) {
-  const bool named = markup == Markup::On && !IsBuiltIn(element.record->kind);
-  if (named) {
-    out += '<';
-    out += element.record->id;
-    out += '.';
-    AppendFieldId(out, element);
-    out += ',';
-    out += TypeName(element);
-    out += '>';
-  } else if (newlines == Newlines::Shown && element.kind == FieldKind::Newline) {
-    out += "<NEWLINE>";
-  }
-  out += element.text;
-  if (named && !element.text.empty()) {
-    out += "</";
-    out += element.record->id;
-    out += '.';
-    AppendFieldId(out, element);
-    out += '>';
-  }
+  PutElement([&out](std::string_view piece) { out += piece; }, element, markup, newlines);
 }
 
 void CTNParsedFileBlockElement::GetText(std::string& out, Markup markup, Newlines newlines) const {
@@ -97,12 +127,33 @@ void ExpandTabs(std::string& text, int tabStop) {
   text = std::move(expanded);
 }
 
+template <class Visit>
+void CTNRowElements::ForEachElement(Visit visit) {
+  for (bool ends = false; m_hasRow && !ends; m_hasRow = m_elements.Next(m_first)) {
+    visit(m_first);
+    ends = m_first.EndsRow();
+  }
+}
+
+void CTNRowElements::SkipRow() {
+  ForEachElement([](const ShownElement&) {});
+}
+
+void CTNRowElements::TakeRow(std::string& out, const RowTextForm& form) {
+  RowTextWriter writer(out, form);
+  const auto put = [&writer](std::string_view piece) { writer.Put(piece); };
+  ForEachElement([&](const ShownElement& element) {
+    if (!writer.IsFull()) PutElement(put, element, form.markup, form.newlines);
+  });
+}
+
 void CTNParsedFileBlock::GetRowText(std::string& out, std::size_t row, Markup markup,
                                     Newlines newlines) const {
   out.clear();
-  for (const CTNParsedFileRow& shown : GetRows(row, 1))
-    shown.GetText(out, markup, newlines);
-  ExpandTabs(out, TabStop());
+  CTNRowElements rows(Result(), GetPlace());
+  for (; row > 0 && rows.HasRow(); --row)
+    rows.SkipRow();
+  rows.TakeRow(out, {markup, newlines, TabStop(), RowTextForm::kNoLimit});
 }
 
 bool CTNParsedFileBlock::IsBlankLine() const {
@@ -132,12 +183,15 @@ std::string CTNParsedFileBlock::GetMatchText() const {
   return FormatMessageText(Msg::MatchingRecordFormat, record.name, record.id);
 }
 
+Colour BackColourOf(BlockKind kind) { return kColours[static_cast<int>(kind)].back; }
+Colour TextColourOf(BlockKind kind) { return kColours[static_cast<int>(kind)].text; }
+
 Colour CTNParsedFileBlock::GetBackColour() const {
-  return IsStale() ? kWhite : kColours[static_cast<int>(GetKind())].back;
+  return IsStale() ? kWhite : BackColourOf(GetKind());
 }
 
 Colour CTNParsedFileBlock::GetTextColour() const {
-  return IsStale() ? kBlack : kColours[static_cast<int>(GetKind())].text;
+  return IsStale() ? kBlack : TextColourOf(GetKind());
 }
 
 void CTNParsedFileBlock::AppendReadable(std::string& out) const {

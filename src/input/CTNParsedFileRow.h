@@ -3,6 +3,7 @@
 #include "input/CTNParsedFileBlockElement.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,5 +48,39 @@ class TabExpander {
 
 /// Expands the tabs of a whole row.
 void ExpandTabs(std::string& text, int tabStop);
+
+/// How the text of a row is made.
+struct RowTextForm {
+  static constexpr std::size_t kNoLimit = SIZE_MAX;
+
+  Markup markup = Markup::Off;
+  Newlines newlines = Newlines::Hidden;
+  int tabStop = 0;  // See TabExpander.
+  /// What stands behind this many bytes of the text may be left out: rows can be as long as a file.
+  std::size_t most = kNoLimit;
+};
+
+/// Walks the rows of one block. A copy goes on from the same row.
+class CTNRowElements {
+ public:
+  /// At the first row. The result lives longer.
+  CTNRowElements(const CTNParsedResult& result, const ParsedBlockPlace& place)
+      : m_elements(result, place), m_hasRow(m_elements.Next(m_first)) {}
+
+  /// False behind the last row; then nothing can be skipped or taken.
+  bool HasRow() const { return m_hasRow; }
+  /// Goes to the next row.
+  void SkipRow();
+  /// Appends the row's text and goes to the next row.
+  void TakeRow(std::string& out, const RowTextForm& form);
+
+ private:
+  template <class Visit>
+  void ForEachElement(Visit visit);
+
+  ShownElement m_first;  // Of the row.
+  CTNElementCursor m_elements;
+  bool m_hasRow;
+};
 
 }  // namespace bomparser

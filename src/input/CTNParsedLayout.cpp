@@ -18,7 +18,7 @@ std::uint32_t CTNParsedLayout::Describe(const CTNMatchedRecord& record) {
   const auto add = [this](const CTNMatchedRecord& added) {
     const auto index = static_cast<std::uint32_t>(m_records.size());
     m_records.push_back(
-        {&added, added.GetRecordKind(), added.GetRecordId(), added.GetRecordName(), {}});
+        {&added, added.GetRecordKind(), added.GetRecordId(), added.GetRecordName(), {}, false});
     m_byRecord.emplace(&added, index);
     return index;
   };

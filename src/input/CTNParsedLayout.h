@@ -39,6 +39,7 @@ struct ParsedRecordLayout {
   std::string id;
   std::string name;
   std::vector<ParsedFieldLayout> fields;
+  bool oneRow = false;  // Every block of it is known to have exactly one row.
 };
 
 /// The template as it was when a result was made, as far as showing the result needs it. Results
@@ -50,6 +51,8 @@ class CTNParsedLayout {
   /// Describes the record and, behind it, every record that its SUBRECORD fields reach. Returns
   /// its place; a record that is known already is not described twice.
   std::uint32_t Describe(const CTNMatchedRecord& record);
+  /// Notes that every block of the record at `index` has exactly one row.
+  void SetOneRow(std::uint32_t index) { m_records[index].oneRow = true; }
   /// Place of the record, or kNoRecord.
   std::uint32_t IndexOf(const CTNMatchedRecord* record) const;
   /// Place of the field in the record at `index`, or kNoRecord.

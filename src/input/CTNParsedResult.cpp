@@ -98,19 +98,29 @@ std::ptrdiff_t CTNParsedResult::LastBlockOf(std::uint32_t record) const {
   return block;
 }
 
+/// Nearly every block is one line: its only line feed is its last character and was taken by the
+/// record's last field. A block of another form may still have one row.
+bool CTNParsedResult::IsOneLine(const ParsedBlockPlace& place, std::uint32_t textEnd) const {
+  if (place.record == CTNParsedLayout::kNoRecord || textEnd <= place.text) return false;
+  const ParsedRecordLayout& record = m_layout->Records()[place.record];
+  const char* bytes = m_text->Data();
+  return !record.fields.empty() && record.fields.back().kind == FieldKind::Newline &&
+         std::memchr(bytes + place.text, '\n', textEnd - place.text) == bytes + textEnd - 1 &&
+         *(m_elements.Data() + place.elementsEnd - 1) == 1;
+}
+
+bool CTNParsedResult::HasOneRow(std::size_t block) const {
+  const std::uint32_t record = m_blocks[block].record;
+  if (record == CTNParsedLayout::kNoRecord) return false;
+  return m_layout->Records()[record].oneRow || IsOneLine(GetPlace(block), GetTextEnd(block));
+}
+
 std::uint32_t CTNParsedResult::CountRows(std::uint32_t text, std::uint32_t textEnd,
                                          std::uint32_t elements, std::uint32_t record) const {
+  const ParsedBlockPlace place{record, text, elements, ElementEnd()};
   if (record == CTNParsedLayout::kNoRecord) return 0;
-  const auto& fields = m_layout->Records()[record].fields;
-  const char* bytes = m_text->Data();
-  // Nearly every block is one line: its only line feed is its last character and was taken by the
-  // record's last field.
-  if (textEnd > text && !fields.empty() && fields.back().kind == FieldKind::Newline &&
-      std::memchr(bytes + text, '\n', textEnd - text) == bytes + textEnd - 1 &&
-      *(m_elements.Data() + ElementEnd() - 1) == 1) {
-    return 1;
-  }
-  CTNElementCursor cursor(*this, {record, text, elements, ElementEnd()});
+  if (IsOneLine(place, textEnd)) return 1;
+  CTNElementCursor cursor(*this, place);
   std::uint32_t rows = 0;
   bool open = false;
   for (ShownElement element; cursor.Next(element);) {

@@ -83,6 +83,9 @@ class CTNParsedResult {
   ParsedBlockPlace GetPlace(std::size_t block) const;
   /// Where the text of a block ends: blocks follow each other without a gap.
   std::uint32_t GetTextEnd(std::size_t block) const;
+  /// True when a block is known to have exactly one row. Others have none, one or more: only their
+  /// elements tell.
+  bool HasOneRow(std::size_t block) const;
   const ParsedBlockEntry& GetEntry(std::size_t block) const { return m_blocks[block]; }
   const std::uint8_t* ElementBytes() const { return m_elements.Data(); }
   std::uint32_t ElementEnd() const { return static_cast<std::uint32_t>(m_elements.Size()); }
@@ -126,6 +129,7 @@ class CTNParsedResult {
   void CountBlock(std::uint32_t elements, std::uint32_t record, std::uint32_t rows);
 
  private:
+  bool IsOneLine(const ParsedBlockPlace& place, std::uint32_t textEnd) const;
   void AddToStats(std::uint32_t record, std::uint32_t rows);
 
   std::shared_ptr<const CTNInputText> m_text;

@@ -196,6 +196,7 @@ void MatchProgram::CompileRecord(const CTNTemplateRecord& record) {
   op.lastOp = static_cast<std::uint32_t>(m_ops.size());
   op.mostBytes = (op.lastOp - op.firstOp) * element_code::kMaxBytes;
   op.oneLine = TakesOneLine(op);
+  if (op.oneLine) m_layout->SetOneRow(static_cast<std::uint32_t>(m_records.size()));
   m_records.push_back(op);
 }
 
