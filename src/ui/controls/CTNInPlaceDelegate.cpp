@@ -53,6 +53,8 @@ void CTNInPlaceDelegate::OnOpened(QWidget* editor, const QRect& cell) {
 
   const int width = DropDownWidth(*box, cell.width());
   FitEntries(*box, cell.height());
+  // A list that scrolls, also where the style would show all entries as a menu.
+  box->setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; }"));
   box->setMaxVisibleItems(std::min(box->count(), kMostRows - 1));
   const bool scrolls = box->count() > box->maxVisibleItems();
   const int bar = scrolls ? box->style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;

@@ -68,7 +68,6 @@ CTNParserListCtrl::CTNParserListCtrl(QString caption, QWidget* parent)
   setItemDelegate(new CTNInPlaceDelegate(*this));
   setDragEnabled(true);
   setAcceptDrops(true);
-  setAutoScroll(false);
   setTabKeyNavigation(false);
   setWordWrap(false);
   setCornerButtonEnabled(false);
@@ -243,8 +242,10 @@ void CTNParserListCtrl::closeEditor(QWidget* editor, QAbstractItemDelegate::EndE
         Qt::QueuedConnection);
     return;
   }
-  if (editor == m_editor) m_editor.clear();
-  QTableView::closeEditor(editor, hint);
+  if (editor == nullptr || editor != m_editor) return;
+  m_editor.clear();
+  // With its row the editor was given up already.
+  if (m_edited.isValid()) QTableView::closeEditor(editor, hint);
 }
 
 QWidget* CTNParserListCtrl::MakeEditor(const QModelIndex&, QWidget*) { return nullptr; }

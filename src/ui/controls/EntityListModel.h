@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/controls/SearchDirection.h"
 #include "ui/controls/ViewedFile.h"
 
 #include <QAbstractListModel>
@@ -10,8 +11,6 @@
 #include <vector>
 
 namespace bomparser {
-
-enum class SearchDirection { Down, Up };
 
 /// A large entity list, an entity a row; what stands around the entities has rows of its own. A
 /// text that is no such list has its lines as rows. All rows together are the file: what is longer

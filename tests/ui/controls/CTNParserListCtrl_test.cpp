@@ -24,17 +24,20 @@ constexpr int kComboColumn = 2;
 
 class WordBox : public CTNParserComboBox {
  public:
-  WordBox(QWidget* parent, QString current)
-      : CTNParserComboBox(parent), m_current(std::move(current)) {}
+  WordBox(QWidget* parent, QString current, int more)
+      : CTNParserComboBox(parent), m_current(std::move(current)), m_more(more) {}
   void Fill() override {
     Restart();
     for (const char* word : {"one", "two", "three"})
       AddEntry(word, QString::fromLatin1(word).toUpper());
+    for (int entry = 3; entry < m_more; ++entry)
+      AddEntry(QString::number(entry), entry);
     SelectCode(m_current.toUpper());
   }
 
  private:
   QString m_current;
+  int m_more;
 };
 
 struct RowNode final : CTNParserListNode {
@@ -62,7 +65,7 @@ class WordList final : public CTNParserListCtrl {
   QWidget* MakeEditor(const QModelIndex& cell, QWidget* parent) override {
     const QString text = cell.data().toString();
     if (cell.column() == kTextColumn) return new CTNInPlaceEdit(parent, cell, text);
-    return new CTNInPlaceComboBox<WordBox>(parent, cell, text);
+    return new CTNInPlaceComboBox<WordBox>(parent, cell, text, entries);
   }
   bool HasEditor(const QModelIndex& cell) const override { return cell.column() != kFixedColumn; }
   bool OnEndEdit(const QModelIndex& cell, const EditedValue& value) override {
@@ -89,6 +92,7 @@ class WordList final : public CTNParserListCtrl {
   QStandardItemModel words;
   const QWidget* accepts = nullptr;
   int outOfMemoryAt = -1;
+  int entries = 3;
   std::vector<std::string> reports;
   std::vector<int> clicks;
   std::vector<int> drops;
@@ -313,6 +317,23 @@ TEST_F(CTNParserListCtrlTest, TheDropDownIsWideEnoughAndLosesItsProbeEntry) {
             box->fontMetrics().horizontalAdvance("ZZZZZZZZZZZZZZZ") + 8);
   EXPECT_EQ(box->itemData(1, Qt::SizeHintRole).toSize().height(),
             list->visualRect(list->words.index(3, kComboColumn)).height());
+}
+
+TEST_F(CTNParserListCtrlTest, ALongDropDownShowsNoMoreThanTwentyTwoRowsWithItsBox) {
+  list->entries = 60;
+  QComboBox* box = OpenCombo(3);
+  EXPECT_EQ(box->maxVisibleItems(), 21);
+  const int rows = box->view()->height() / list->visualRect(list->words.index(3, 0)).height();
+  EXPECT_LE(rows, 22);
+  EXPECT_GE(rows, 20);
+}
+
+TEST_F(CTNParserListCtrlTest, KeysBringTheRowThatTheyReachIntoView) {
+  list->SelectRowAlone(0);
+  for (int row = 0; row < 19; ++row)
+    QTest::keyClick(list, Qt::Key_Down);
+  EXPECT_EQ(list->currentIndex().row(), 19);
+  EXPECT_TRUE(list->viewport()->rect().contains(At(19, 0)));
 }
 
 TEST_F(CTNParserListCtrlTest, AnEntryThatIsChosenIsReportedWithItsData) {
