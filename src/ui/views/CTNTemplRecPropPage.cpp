@@ -1,12 +1,12 @@
 #include "ui/views/CTNTemplRecPropPage.h"
 
-#include "ui/controls/CTNParserListCtrl.h"
+#include "ui/views/CTNTemplRecordListCtrl.h"
 
 #include <QVBoxLayout>
 
 namespace bomparser {
 
-CTNTemplRecPropPage::CTNTemplRecPropPage(CTNParserListCtrl* list, QWidget* parent)
+CTNTemplRecPropPage::CTNTemplRecPropPage(CTNTemplRecordListCtrl* list, QWidget* parent)
     : CTNPropPage(parent), m_list(list) {
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(list);

@@ -4,7 +4,7 @@
 
 namespace bomparser {
 
-class CTNParserListCtrl;
+class CTNTemplRecordListCtrl;
 
 /// A page of the record sheet: one record list.
 class CTNTemplRecPropPage final : public CTNPropPage {
@@ -12,12 +12,12 @@ class CTNTemplRecPropPage final : public CTNPropPage {
 
  public:
   /// The page owns the list.
-  explicit CTNTemplRecPropPage(CTNParserListCtrl* list, QWidget* parent = nullptr);
+  explicit CTNTemplRecPropPage(CTNTemplRecordListCtrl* list, QWidget* parent = nullptr);
 
-  CTNParserListCtrl& GetList() const { return *m_list; }
+  CTNTemplRecordListCtrl& GetList() const { return *m_list; }
 
  private:
-  CTNParserListCtrl* m_list;
+  CTNTemplRecordListCtrl* m_list;
 };
 
 }  // namespace bomparser

@@ -16,8 +16,9 @@ constexpr int kTabIconSize = 14;
 
 }  // namespace
 
-CTNTemplRecPropSheet::CTNTemplRecPropSheet(CTNParserListCtrl* entityRecords,
-                                           CTNParserListCtrl* auxiliaryRecords, QWidget* parent)
+CTNTemplRecPropSheet::CTNTemplRecPropSheet(CTNTemplRecordListCtrl* entityRecords,
+                                           CTNTemplRecordListCtrl* auxiliaryRecords,
+                                           QWidget* parent)
     : CTNParserPropSheet(PagesToActivate::All, parent),
       m_entityPage(new CTNTemplRecPropPage(entityRecords)),
       m_auxiliaryPage(new CTNTemplRecPropPage(auxiliaryRecords)) {

@@ -4,8 +4,8 @@
 
 namespace bomparser {
 
-class CTNParserListCtrl;
 class CTNTemplRecPropPage;
+class CTNTemplRecordListCtrl;
 
 /// The record sheet of the main dialog: the entity records on its first page, the auxiliary records
 /// on its second.
@@ -14,8 +14,8 @@ class CTNTemplRecPropSheet final : public CTNParserPropSheet {
 
  public:
   /// The pages own the lists.
-  CTNTemplRecPropSheet(CTNParserListCtrl* entityRecords, CTNParserListCtrl* auxiliaryRecords,
-                       QWidget* parent = nullptr);
+  CTNTemplRecPropSheet(CTNTemplRecordListCtrl* entityRecords,
+                       CTNTemplRecordListCtrl* auxiliaryRecords, QWidget* parent = nullptr);
 
   CTNTemplRecPropPage& GetEntityPage() const { return *m_entityPage; }
   CTNTemplRecPropPage& GetAuxiliaryPage() const { return *m_auxiliaryPage; }

@@ -1,13 +1,13 @@
 #include "ui/views/CTNTemplRecPropSheet.h"
 
+#include "entry/CTNFileParserEngine.h"
 #include "tests/ui/support/UiTest.h"
-#include "ui/controls/CTNParserListCtrl.h"
 #include "ui/controls/Icons.h"
 #include "ui/views/CTNTemplRecPropPage.h"
+#include "ui/views/CTNTemplRecordListCtrl.h"
 
 #include <QImage>
 #include <QPushButton>
-#include <QStandardItemModel>
 #include <QTabBar>
 #include <string>
 
@@ -31,8 +31,11 @@ class CTNTemplRecPropSheetTest : public testing::Test {
   }
 
   std::string log;
-  CTNParserListCtrl* entityRecords = new CTNParserListCtrl(QStringLiteral("BOM Parser"));
-  CTNParserListCtrl* auxiliaryRecords = new CTNParserListCtrl(QStringLiteral("BOM Parser"));
+  CTNFileParserEngine engine;
+  CTNTemplRecordListCtrl* entityRecords =
+      new CTNTemplRecordListCtrl(engine, RecordPage::Entity, QStringLiteral("BOM Parser"));
+  CTNTemplRecordListCtrl* auxiliaryRecords =
+      new CTNTemplRecordListCtrl(engine, RecordPage::Auxiliary, QStringLiteral("BOM Parser"));
   CTNTemplRecPropSheet sheet{entityRecords, auxiliaryRecords};
 };
 
@@ -69,12 +72,10 @@ TEST_F(CTNTemplRecPropSheetTest, APageGivesTheFocusToItsList) {
 }
 
 TEST_F(CTNTemplRecPropSheetTest, PictureOfTheSheet) {
-  QStandardItemModel model(3, 3);
-  model.setHorizontalHeaderLabels(
-      {QStringLiteral("    ID"), QStringLiteral("TYPE"), QStringLiteral("DESCRIPTION")});
-  entityRecords->setModel(&model);
+  engine.GetTemplate()->AddRecord(RecordKind::Part, "Placement line");
+  engine.GetTemplate()->AddRecord(RecordKind::Drill, "Tool");
+  entityRecords->ShowRecords();
   EXPECT_TRUE(Screenshot(sheet, "record-sheet"));
-  entityRecords->setModel(nullptr);
 }
 
 }  // namespace
