@@ -2,6 +2,7 @@
 
 #include "ui/controls/DisplayText.h"
 #include "ui/controls/Ids.h"
+#include "ui/views/CTNInFilePropPage.h"
 #include "ui/views/CTNTransSummaryPropPage.h"
 
 namespace bomparser {
@@ -13,8 +14,8 @@ constexpr int kResultsPage = 1;
 }  // namespace
 
 // The results page is opened when somebody looks at it: its viewer is not made for nothing.
-CTNInFilePropSheet::CTNInFilePropSheet(CTNPropPage* inputPage, CTNTransSummaryPropPage* resultsPage,
-                                       QWidget* parent)
+CTNInFilePropSheet::CTNInFilePropSheet(CTNInFilePropPage* inputPage,
+                                       CTNTransSummaryPropPage* resultsPage, QWidget* parent)
     : CTNParserPropSheet(PagesToActivate::FirstOnly, parent),
       m_inputPage(inputPage),
       m_resultsPage(resultsPage) {

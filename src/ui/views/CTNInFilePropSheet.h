@@ -4,6 +4,7 @@
 
 namespace bomparser {
 
+class CTNInFilePropPage;
 class CTNTransSummaryPropPage;
 
 /// The input file sheet of the main dialog: the input file view on its first page, the results of
@@ -13,17 +14,17 @@ class CTNInFilePropSheet final : public CTNParserPropSheet {
 
  public:
   /// The sheet owns the pages.
-  CTNInFilePropSheet(CTNPropPage* inputPage, CTNTransSummaryPropPage* resultsPage,
+  CTNInFilePropSheet(CTNInFilePropPage* inputPage, CTNTransSummaryPropPage* resultsPage,
                      QWidget* parent = nullptr);
 
-  CTNPropPage& GetInputPage() const { return *m_inputPage; }
+  CTNInFilePropPage& GetInputPage() const { return *m_inputPage; }
   CTNTransSummaryPropPage& GetResultsPage() const { return *m_resultsPage; }
 
  protected:
   void OnInitDialog() override;
 
  private:
-  CTNPropPage* m_inputPage;
+  CTNInFilePropPage* m_inputPage;
   CTNTransSummaryPropPage* m_resultsPage;
 };
 

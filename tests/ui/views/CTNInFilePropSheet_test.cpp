@@ -2,9 +2,9 @@
 
 #include "tests/ui/support/UiTest.h"
 #include "ui/controls/CTNWebBrowser2.h"
+#include "ui/views/CTNInFilePropPage.h"
 #include "ui/views/CTNTransSummaryPropPage.h"
 
-#include <QPushButton>
 #include <QTabBar>
 
 namespace bomparser::test {
@@ -18,7 +18,7 @@ class CTNInFilePropSheetTest : public testing::Test {
   }
   QTabBar& Tabs() const { return *sheet.findChild<QTabBar*>(); }
 
-  CTNPropPage* inputPage = new CTNPropPage;
+  CTNInFilePropPage* inputPage = new CTNInFilePropPage;
   CTNTransSummaryPropPage* resultsPage = new CTNTransSummaryPropPage(nullptr);
   CTNInFilePropSheet sheet{inputPage, resultsPage};
 };
@@ -35,7 +35,10 @@ TEST_F(CTNInFilePropSheetTest, HasTheInputFileAndTheResultsInThisOrder) {
 
 TEST_F(CTNInFilePropSheetTest, CarriesItsNumberAndHasNoButtons) {
   EXPECT_EQ(GetControlId(sheet), Ctrl::InputSheet);
-  EXPECT_TRUE(sheet.findChildren<QPushButton*>().empty());
+  for (const SheetButton button : {SheetButton::Ok, SheetButton::Cancel, SheetButton::Help,
+                                   SheetButton::Apply, SheetButton::Extra}) {
+    EXPECT_EQ(sheet.GetButton(button), nullptr);
+  }
 }
 
 TEST_F(CTNInFilePropSheetTest, OpensWithTheInputFileAndMakesNoViewerForNothing) {
