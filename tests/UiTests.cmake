@@ -16,7 +16,7 @@ function(bomparser_add_ui_tests name floor)
   endif()
   set(target ${name}_tests)
   add_executable(${target} ${sources} ui/support/main.cpp)
-  target_link_libraries(${target} PRIVATE bomparser_ui_test_support ${floor} GTest::gtest bomparser_flags)
+  target_link_libraries(${target} PRIVATE bomparser_ui_test_support ${floor} GTest::gtest bomparser_test_flags)
   set(environment
     "BOMPARSER_SAMPLES=${BOMPARSER_SAMPLES}" QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=${CMAKE_CURRENT_BINARY_DIR})
   gtest_discover_tests(${target}
