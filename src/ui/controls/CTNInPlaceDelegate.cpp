@@ -7,11 +7,14 @@
 #include <QApplication>
 #include <QFontMetrics>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QTimer>
 #include <algorithm>
 
 namespace bomparser {
 namespace {
+
+bool IsTab(int key) { return key == Qt::Key_Tab || key == Qt::Key_Backtab; }
 
 constexpr int kMostRows = 22;  // The box and its entries.
 
@@ -47,7 +50,9 @@ void CTNInPlaceDelegate::OnOpened(QWidget* editor, const QRect& cell) {
   m_escaped = false;
   auto* box = qobject_cast<CTNParserComboBox*>(editor);
   if (box == nullptr) return;
-  connect(box, &QComboBox::activated, this, [this, box] { End(box); });
+  // Behind the signal: whoever is told of the edit may close the window, and the box with it.
+  connect(box, &QComboBox::activated, this,
+          [this, box] { QTimer::singleShot(0, box, [this, box] { End(box); }); });
   box->view()->installEventFilter(this);
   box->view()->parentWidget()->installEventFilter(this);
 
@@ -60,6 +65,10 @@ void CTNInPlaceDelegate::OnOpened(QWidget* editor, const QRect& cell) {
   const int bar = scrolls ? box->style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
   box->view()->setMinimumWidth(width + bar);
   QTimer::singleShot(0, box, &QComboBox::showPopup);
+}
+
+void CTNInPlaceDelegate::destroyEditor(QWidget* editor, const QModelIndex& index) const {
+  if (!m_list.KeepsForReport(editor)) QStyledItemDelegate::destroyEditor(editor, index);
 }
 
 void CTNInPlaceDelegate::setEditorData(QWidget*, const QModelIndex&) const {}
@@ -75,7 +84,14 @@ bool CTNInPlaceDelegate::eventFilter(QObject* watched, QEvent* event) {
   auto* const box = qobject_cast<CTNParserComboBox*>(editor);
   if (watched != editor) {  // The drop-down or its list.
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) {
-      m_escaped = static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+      const int key = static_cast<QKeyEvent*>(event)->key();
+      m_escaped = key == Qt::Key_Escape;
+      if (event->type() == QEvent::KeyPress && box != nullptr && IsTab(key)) {
+        box->setCurrentIndex(box->view()->currentIndex().row());
+        box->hidePopup();
+        emit box->activated(box->currentIndex());
+        return true;
+      }
     } else if (event->type() == QEvent::Hide && watched->isWidgetType() && box != nullptr &&
                watched == box->view()->parentWidget()) {
       OnDropDownClosed(box);
@@ -92,6 +108,9 @@ bool CTNInPlaceDelegate::eventFilter(QObject* watched, QEvent* event) {
       return OnKey(editor, static_cast<QKeyEvent*>(event)->key());
     case QEvent::Wheel:
       return box != nullptr;  // It would choose by accident.
+    case QEvent::MouseButtonPress:
+      m_escaped = false;  // The list is opened anew.
+      return false;
     case QEvent::FocusOut:
       OnFocusLost(editor);
       return false;
@@ -116,7 +135,11 @@ bool CTNInPlaceDelegate::OnKey(QWidget* editor, int key) {
       return true;
     case Qt::Key_Tab:
     case Qt::Key_Backtab:
-      End(editor);
+      if (m_escaped) {
+        Drop(editor);
+      } else {
+        End(editor);
+      }
       return true;
     default:
       if (box == nullptr) return false;
@@ -129,7 +152,7 @@ bool CTNInPlaceDelegate::OnKey(QWidget* editor, int key) {
 
 void CTNInPlaceDelegate::OnFocusLost(QWidget* editor) {
   if (QApplication::activePopupWidget() != nullptr) return;  // Its own list or menu.
-  if (QApplication::focusWidget() == m_list.window()) {
+  if (m_escaped || QApplication::focusWidget() == m_list.window()) {
     Drop(editor);
   } else {
     End(editor);
@@ -145,8 +168,9 @@ void CTNInPlaceDelegate::OnDropDownClosed(CTNParserComboBox* box) {
 }
 
 void CTNInPlaceDelegate::End(QWidget* editor) {
+  const QPointer<CTNInPlaceDelegate> alive(this);
   emit commitData(editor);
-  emit closeEditor(editor, NoHint);
+  if (!alive.isNull()) emit closeEditor(editor, NoHint);
 }
 
 void CTNInPlaceDelegate::Drop(QWidget* editor) { emit closeEditor(editor, RevertModelCache); }

@@ -20,6 +20,8 @@ class CTNInPlaceDelegate final : public QStyledItemDelegate {
                         const QModelIndex& index) const override;
   /// Nothing: an editor is made with its value.
   void setEditorData(QWidget* editor, const QModelIndex& index) const override;
+  /// Behind the report of an edit, whose editor must not go in an event loop of whoever is told.
+  void destroyEditor(QWidget* editor, const QModelIndex& index) const override;
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const override;
   bool eventFilter(QObject* watched, QEvent* event) override;

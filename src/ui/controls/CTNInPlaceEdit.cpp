@@ -46,4 +46,10 @@ bool CTNInPlaceEdit::event(QEvent* event) {
   return CTNParserEdit::event(event);
 }
 
+void CTNInPlaceEdit::keyPressEvent(QKeyEvent* event) {
+  CTNParserEdit::keyPressEvent(event);
+  // What a line of text has no use for must not move the list's current row under it.
+  if (event->key() != Qt::Key_F1) event->accept();
+}
+
 }  // namespace bomparser

@@ -24,6 +24,7 @@ class CTNInPlaceEdit final : public CTNParserEdit, public CTNInPlaceEditor {
 
  protected:
   bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QPersistentModelIndex m_cell;

@@ -18,6 +18,7 @@
 #include <QScrollBar>
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace bomparser {
 namespace {
@@ -174,7 +175,11 @@ bool CTNParserListCtrl::StoreColumnWidths(CTNHostApp& host, std::string_view key
 
 bool CTNParserListCtrl::BeginEdit(const QModelIndex& cell) {
   if (!cell.isValid() || !HasEditor(cell)) return false;
-  EndEdit();
+  if (IsEditing()) {
+    const QPersistentModelIndex kept(cell);  // Ending the other edit may fill the list anew.
+    EndEdit();
+    return kept.isValid() && BeginEdit(kept);
+  }
   scrollTo(cell);
   if (!edit(cell, AllEditTriggers, nullptr) || m_editor.isNull()) return false;
   static_cast<CTNInPlaceDelegate*>(itemDelegate())->OnOpened(m_editor, visualRect(cell));
@@ -220,11 +225,14 @@ void CTNParserListCtrl::commitData(QWidget* editor) {
   if (value == nullptr || !m_edited.isValid() || !value->GetValue(edited)) return;
 
   const QPointer<CTNParserListCtrl> alive(this);
+  const bool hadFocus = editor->hasFocus();
   m_reporting = true;  // A box that refuses the value takes the focus: that ends nothing.
   const bool accepted = OnEndEdit(m_edited, edited);
   if (alive.isNull()) return;
   m_reporting = false;
   m_refused = !accepted;
+  if (hadFocus && !m_edited.isValid()) setFocus();  // The list was filled anew meanwhile.
+  if (!m_released.isNull()) std::exchange(m_released, nullptr)->deleteLater();
 }
 
 void CTNParserListCtrl::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
@@ -272,7 +280,8 @@ void CTNParserListCtrl::mousePressEvent(QMouseEvent* event) {
 }
 
 void CTNParserListCtrl::mouseReleaseEvent(QMouseEvent* event) {
-  const bool dragged = state() == DraggingState || state() == DragSelectingState;
+  // The first pixel of a move makes it a dragging state; a drag that ran has forgotten the press.
+  const bool dragged = state() == DragSelectingState;
   QTableView::mouseReleaseEvent(event);
   const QModelIndex cell = m_pressed;
   m_pressed = QModelIndex();
@@ -287,7 +296,7 @@ void CTNParserListCtrl::mouseReleaseEvent(QMouseEvent* event) {
 void CTNParserListCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
   m_pressed = QModelIndex();
   const QModelIndex cell = indexAt(event->pos());
-  if (event->button() != Qt::LeftButton || !cell.isValid()) return;
+  if (!IsPlainLeft(*event) || !cell.isValid()) return;
   // The first click has opened the editor, if there is one; taking the mouse back has ended it.
   OnDoubleClickCell(cell, BeginEdit(cell));
 }

@@ -21,6 +21,9 @@ namespace bomparser {
 
 class CTNParserListCtrl;
 
+/// The dynamic property of a list that rows of the input file may be dropped on.
+constexpr const char* kAcceptsInputRows = "acceptsInputRows";
+
 /// Which of the selected rows comes first when a selection is gathered.
 enum class GatherOrder { AsListed, FocusedFirst };
 
@@ -149,6 +152,12 @@ class CTNParserListCtrl : public QTableView {
  private:
   friend class CTNInPlaceDelegate;
 
+  /// True while the editor's value is being reported; the list deletes it afterwards.
+  bool KeepsForReport(QWidget* editor) {
+    if (!m_reporting || editor != m_editor) return false;
+    m_released = editor;
+    return true;
+  }
   QWidget* OpenedEditor(const QModelIndex& cell, QWidget* parent);
   QRect EditorRect(const QRect& cell) const;
   CTNParserListCtrl* SourceOf(const QDropEvent& event) const;
@@ -159,6 +168,7 @@ class CTNParserListCtrl : public QTableView {
   QString m_caption;
   std::vector<std::shared_ptr<CTNParserListNode>> m_gathered;
   QPointer<QWidget> m_editor;
+  QPointer<QWidget> m_released;  // An editor that was given up while it was reported.
   QPersistentModelIndex m_edited;
   QPersistentModelIndex m_pressed;  // The cell of a click that may open an editor.
   bool m_keepsSelection = false;

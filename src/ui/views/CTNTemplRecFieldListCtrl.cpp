@@ -158,8 +158,9 @@ bool CTNTemplRecFieldListCtrl::OnEndEdit(const QModelIndex& cell, const EditedVa
     changed = changed || !edit.has(field, value);
     if (changed) edit.set(field, value);
   }
+  const QPointer<CTNTemplRecFieldListCtrl> alive(this);  // Whoever is told may close the window.
   if (changed) TellEdited(kInputFieldsModified);
-  emit RepaintWanted();
+  if (!alive.isNull()) emit RepaintWanted();
   return true;
 }
 

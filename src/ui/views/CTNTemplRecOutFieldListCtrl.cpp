@@ -99,8 +99,9 @@ bool CTNTemplRecOutFieldListCtrl::OnEndEdit(const QModelIndex& cell, const Edite
     if (changed) set(element, value);
   }
   if (!changed) return true;
+  const QPointer<CTNTemplRecOutFieldListCtrl> alive(this);  // Whoever is told may close the window.
   TellEdited(kOutputElementsModified);
-  emit RepaintWanted();
+  if (!alive.isNull()) emit RepaintWanted();
   return true;
 }
 

@@ -27,7 +27,7 @@ CTNTemplRecordListCtrl::CTNTemplRecordListCtrl(CTNFileParserEngine& engine, Reco
           parent),
       m_page(page) {
   // Rows of the input file that are dropped here become a record.
-  setProperty("acceptsInputRows", true);
+  setProperty(kAcceptsInputRows, true);
   connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &CTNTemplRecordListCtrl::ReportSelection);
 }
@@ -80,9 +80,10 @@ bool CTNTemplRecordListCtrl::OnEndEdit(const QModelIndex& cell, const EditedValu
   for (const auto& node : nodes)
     changed = set(*node->GetRecord(), value) || changed;
   if (!changed) return true;
+  const QPointer<CTNTemplRecordListCtrl> alive(this);  // Whoever is told may close the window.
   TellEdited(kRecordsModified);
-  emit RepaintWanted();
-  WantFieldsOfOne(nodes);
+  if (!alive.isNull()) emit RepaintWanted();
+  if (!alive.isNull()) WantFieldsOfOne(nodes);
   return true;
 }
 
@@ -133,8 +134,9 @@ void CTNTemplRecordListCtrl::CreateRequiredOutputSets() {
   for (const auto& node : nodes) {
     if (CTNTemplateRecord* record = node->GetRecord()) record->CreateRequiredOutputSet();
   }
+  const QPointer<CTNTemplRecordListCtrl> alive(this);
   TellEdited(kOutputElementsAdded);
-  WantFieldsOfOne(nodes);
+  if (!alive.isNull()) WantFieldsOfOne(nodes);
 }
 
 void CTNTemplRecordListCtrl::AskToMoveBefore(const CTNTemplateListNode* before) {

@@ -4,8 +4,10 @@
 #include "tests/ui/views/TemplateListTest.h"
 #include "ui/controls/CTNInPlaceComboBoxes.h"
 
+#include <QEventLoop>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTimer>
 
 namespace bomparser::test {
 namespace {
@@ -937,5 +939,231 @@ TEST_F(CTNTemplRecordListCtrlTest, PictureWithoutStoredWidths) {
   EXPECT_TRUE(Screenshot(window, "records-without-widths"));
 }
 
+class RecordListListenerTest : public CTNTemplRecordListCtrlTest {
+ protected:
+  void PressMoveRelease(int row, Col column, QPoint by) {
+    const QPoint p = At(row, column);
+    QWidget* v = list->viewport();
+    QTest::mousePress(v, Qt::LeftButton, Qt::NoModifier, p);
+    QMouseEvent move(QEvent::MouseMove, p + by, v->mapToGlobal(p + by), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(v, &move);
+    QTest::mouseRelease(v, Qt::LeftButton, Qt::NoModifier, p + by);
+    Settle();
+  }
+};
+
+TEST_F(RecordListListenerTest, AClickThatJittersOpensTheEditor) {
+  AddFive();
+  Fill();
+  PressMoveRelease(1, Col::Description, {1, 0});
+  EXPECT_TRUE(list->IsEditing());
+}
+
+TEST_F(RecordListListenerTest, DownInATextEditorLeavesTheListAlone) {
+  AddFive();
+  Fill();
+  ClickRows({0, 1, 2});
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  ASSERT_NE(edit, nullptr);
+  QTest::keyClicks(edit, "X");
+  QTest::keyClick(edit, Qt::Key_Down);
+  Settle();
+  EXPECT_TRUE(list->IsEditing());
+  EXPECT_EQ(Descriptions(), (Lines{"one", "two", "three", "four", "five"}));
+  EXPECT_EQ(list->GetSelectedRows().size(), 3U);
+}
+
+TEST_F(RecordListListenerTest, PageDownInATextEditorLeavesTheListAlone) {
+  AddFive();
+  Fill();
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  ASSERT_NE(edit, nullptr);
+  QTest::keyClicks(edit, "X");
+  QTest::keyClick(edit, Qt::Key_PageDown);
+  Settle();
+  EXPECT_TRUE(list->IsEditing());
+}
+
+TEST_F(RecordListListenerTest, ABoxLeftByEscapeChangesNothingLater) {
+  AddFive();
+  Entity(1).SetType(RecordKind::Part);
+  Fill();
+  ClickRows({0, 1, 2});
+  CTNParserComboBox* box = OpenCombo(1, Col::Type);
+  ASSERT_NE(box, nullptr);
+  QTest::keyClick(box->view(), Qt::Key_Escape);
+  Settle();
+  EXPECT_TRUE(list->IsEditing());
+  neighbour->setFocus();
+  Settle();
+  EXPECT_EQ(Entity(0).GetType(), RecordKind::Drill);
+  EXPECT_EQ(Entity(2).GetType(), RecordKind::Drill);
+}
+
+TEST_F(RecordListListenerTest, ADoubleClickWithControlOpensNothing) {
+  AddFive();
+  Fill();
+  QWidget* v = list->viewport();
+  Click(1, Col::Description, Qt::ControlModifier);
+  EXPECT_FALSE(list->IsEditing());
+  QTest::mouseDClick(v, Qt::LeftButton, Qt::ControlModifier, At(1, Col::Description));
+  QTest::mouseRelease(v, Qt::LeftButton, Qt::ControlModifier, At(1, Col::Description));
+  Settle();
+  EXPECT_FALSE(list->IsEditing());
+}
+
+TEST_F(RecordListListenerTest, EnterGivesTheFocusBackAlsoWhenOtherRowsAreShown) {
+  AddFive();
+  Fill();
+  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
+    Document().DeleteRecord(&Entity(4));
+    list->ShowRecords();
+  });
+  Type(1, Col::Description, "new");
+  EXPECT_FALSE(list->IsEditing());
+  EXPECT_TRUE(list->hasFocus());
+  Click(0, Col::Description);
+  EXPECT_TRUE(list->IsEditing());
+}
+
+TEST_F(RecordListListenerTest, AListMayBeDeletedByWhoeverIsToldOfAnEdit) {
+  AddFive();
+  Fill();
+  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, &window, [this] { delete list; });
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  ASSERT_NE(edit, nullptr);
+  QTest::keyClicks(edit, "X");
+  QTest::keyClick(edit, Qt::Key_Return);
+  Settle();
+  EXPECT_EQ(Entity(1).GetDescription(), "X");
+}
+
+TEST_F(RecordListListenerTest, AListMayBeDeletedByWhoeverIsAskedToRepaint) {
+  AddFive();
+  Fill();
+  QObject::connect(list, &CTNTemplateListCtrl::RepaintWanted, &window, [this] { delete list; });
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  ASSERT_NE(edit, nullptr);
+  QTest::keyClicks(edit, "X");
+  QTest::keyClick(edit, Qt::Key_Return);
+  Settle();
+  EXPECT_EQ(Entity(1).GetDescription(), "X");
+}
+
+TEST_F(RecordListListenerTest, AListMayBeDeletedWithATextEditorOpen) {
+  AddFive();
+  Fill();
+  ASSERT_NE(OpenText(1, Col::Description), nullptr);
+  QTest::keyClicks(list->GetEditor(), "X");
+  delete list;
+  Settle();
+  EXPECT_EQ(Entity(1).GetDescription(), "two");
+}
+
+TEST_F(RecordListListenerTest, AListMayBeDeletedWithABoxOpen) {
+  AddFive();
+  Fill();
+  ASSERT_NE(OpenCombo(1, Col::Type), nullptr);
+  delete list;
+  Settle();
+  EXPECT_EQ(Entity(1).GetType(), RecordKind::Drill);
+}
+
+TEST_F(RecordListListenerTest, AListThatIsHiddenAppliesItsOpenEdit) {
+  AddFive();
+  Fill();
+  ASSERT_NE(OpenText(1, Col::Description), nullptr);
+  QTest::keyClicks(list->GetEditor(), "X");
+  list->hide();
+  Settle();
+  EXPECT_EQ(Entity(1).GetDescription(), "X");
+  EXPECT_FALSE(list->IsEditing());
+}
+
+TEST_F(RecordListListenerTest, AnEditorOutlivesTheReportThatReplacesItsRow) {
+  AddFive();
+  Fill();
+  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [this] {
+      engine.NewTemplate();
+      list->ShowRecords();
+    });
+    QTimer::singleShot(20, &loop, &QEventLoop::quit);
+    loop.exec();
+  });
+  Choose(1, Col::Type, "Part");
+  EXPECT_EQ(list->model()->rowCount(), 0);
+}
+
+TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterEnter) {
+  AddFive();
+  Fill();
+  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [this] {
+      engine.NewTemplate();
+      list->ShowRecords();
+    });
+    QTimer::singleShot(20, &loop, &QEventLoop::quit);
+    loop.exec();
+  });
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  QTest::keyClicks(edit, "X");
+  QTest::keyPress(edit, Qt::Key_Return);
+  Settle();
+  EXPECT_EQ(list->model()->rowCount(), 0);
+}
+
+TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterALossOfTheFocus) {
+  AddFive();
+  Fill();
+  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [this] {
+      engine.NewTemplate();
+      list->ShowRecords();
+    });
+    QTimer::singleShot(20, &loop, &QEventLoop::quit);
+    loop.exec();
+  });
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  QTest::keyClicks(edit, "X");
+  neighbour->setFocus();
+  Settle();
+  EXPECT_EQ(list->model()->rowCount(), 0);
+}
+
+TEST_F(RecordListListenerTest, KeysWithControlStayInTheEditor) {
+  AddFive();
+  Fill();
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  QTest::keyClicks(edit, "X");
+  QTest::keyClick(edit, Qt::Key_Down, Qt::ControlModifier);
+  Settle();
+  EXPECT_TRUE(list->IsEditing());
+}
+
+TEST_F(RecordListListenerTest, F2InATextEditorEndsNothing) {
+  AddFive();
+  Fill();
+  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
+  QTest::keyClicks(edit, "X");
+  QTest::keyClick(edit, Qt::Key_F2);
+  Settle();
+  EXPECT_EQ(Entity(1).GetDescription(), "two");
+}
+
+TEST_F(RecordListListenerTest, TabInADropDownEndsTheEdit) {
+  AddFive();
+  Fill();
+  ClickRows({0, 1});
+  CTNParserComboBox* box = OpenCombo(1, Col::Type);
+  ASSERT_NE(box, nullptr);
+  QTest::keyClick(box->view(), Qt::Key_Tab);
+  Settle();
+  EXPECT_FALSE(list->IsEditing());
+}
 }  // namespace
 }  // namespace bomparser::test
