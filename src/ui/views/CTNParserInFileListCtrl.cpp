@@ -32,12 +32,15 @@ CTNParserInFileListCtrl::CTNParserInFileListCtrl(QWidget* parent)
   connect(m_model, &CTNParserInFileModel::modelReset, this,
           [this] { BringBack(0, m_model->rowCount() - 1); });
   connect(m_model, &CTNParserInFileModel::rowsInserted, this,
-          [this](const QModelIndex&, int first, int last) { BringBack(first, last); });
+          [this](const QModelIndex&, int first, int last) {
+            BringBack(first, last);
+            if (!m_model->HasFilter()) ForgetPlace();
+          });
   connect(m_model, &CTNParserInFileModel::columnsInserted, this,
           &CTNParserInFileListCtrl::WidenSelection);
   connect(m_model, &CTNParserInFileModel::WidestTextsChanged, this,
           &CTNParserInFileListCtrl::FitTextColumns);
-  connect(m_model, &CTNParserInFileModel::ScanEnded, this, [this] { m_place.reset(); });
+  connect(m_model, &CTNParserInFileModel::ScanEnded, this, &CTNParserInFileListCtrl::ForgetPlace);
   connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, [this] {
     if (m_place) m_place->top.reset();  // The user looks elsewhere meanwhile.
   });
@@ -73,7 +76,7 @@ void CTNParserInFileListCtrl::Fill() {
   // What is still to be brought back is not to be lost when the filter changes once more.
   if (!m_place) m_place = GetPlace();
   m_model->Fill(m_file->GetBlocks(), m_options);
-  if (!m_model->HasFilter() || !m_model->IsScanning()) m_place.reset();
+  ForgetPlace();
   if (first) FitFixedColumns();
 }
 
@@ -113,6 +116,12 @@ CTNParserInFileListCtrl::Place CTNParserInFileListCtrl::GetPlace() const {
   return place;
 }
 
+/// Once no more rows are to come.
+void CTNParserInFileListCtrl::ForgetPlace() {
+  const bool searching = m_model->HasFilter() && m_model->IsScanning();
+  if (!searching && !m_model->HasLateRows()) m_place.reset();
+}
+
 /// Selects what was selected before among the rows that have come.
 void CTNParserInFileListCtrl::BringBack(int first, int last) {
   if (!m_place || last < first) return;
@@ -127,7 +136,7 @@ void CTNParserInFileListCtrl::BringBack(int first, int last) {
 void CTNParserInFileListCtrl::BringBackSelection(int first, int last) {
   // The more ranges, the slower is every question whether a row is selected. So many come about
   // only when rows that stood between the selected ones are shown again.
-  constexpr qsizetype kMostRanges = 4096;
+  constexpr qsizetype kMostRanges = 20'000;
   const std::uint32_t firstLine = m_model->GetLine(first);
   const std::uint32_t lastLine = m_model->GetLine(last);
   const int lastColumn = m_model->columnCount() - 1;
@@ -146,9 +155,10 @@ void CTNParserInFileListCtrl::BringBackSelection(int first, int last) {
   }
   if (static_cast<qsizetype>(rows.size()) <= kMostRanges) {
     QItemSelection selection;
-    for (const auto& [top, bottom] : rows)
+    for (const auto& [top, bottom] : rows) {
       selection.append(
           QItemSelectionRange(m_model->index(top, 0), m_model->index(bottom, lastColumn)));
+    }
     selectionModel()->select(selection, QItemSelectionModel::Select);
   }
   if (!m_place->current || *m_place->current < firstLine || *m_place->current > lastLine) return;
@@ -359,7 +369,9 @@ void CTNParserInFileListCtrl::OnCommand(Cmd command) {
 }
 
 void CTNParserInFileListCtrl::OnDoubleClickCell(const QModelIndex& cell, bool) {
-  SelectRowAlone(cell.row());
+  // The cell itself: the current one is not brought into sight again.
+  selectionModel()->setCurrentIndex(
+      cell, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   OnCommand(Cmd::CreateRecordFromSelected);
 }
 

@@ -14,9 +14,6 @@
 
 namespace bomparser {
 
-/// The dynamic property of a list that rows of the input file may be dropped on.
-constexpr const char* kAcceptsInputRows = "acceptsInputRows";
-
 /// Whether tabs of gathered rows come as blanks or as they stand in the file.
 enum class Tabs { AsInFile, Expanded };
 
@@ -100,6 +97,7 @@ class CTNParserInFileListCtrl final : public CTNParserListCtrl {
   bool IsApplied() const { return m_file != nullptr && m_file->IsApplied(); }
   void Empty();
   Place GetPlace() const;
+  void ForgetPlace();
   void BringBack(int first, int last);
   void BringBackSelection(int first, int last);
   void BringBackView(int last);

@@ -4,7 +4,9 @@
 
 #include <QBrush>
 #include <QElapsedTimer>
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 
 namespace bomparser {
 namespace {
@@ -12,20 +14,18 @@ namespace {
 constexpr int kFixedColumns = 3;
 
 /// The lines of the blocks of these kinds, as many as are shown at most.
-std::vector<std::uint32_t> LinesOfKinds(const CTNParsedResult& result, std::uint32_t kinds) {
-  std::vector<std::uint32_t> lines;
+LineSet LinesOfKinds(const CTNParsedResult& result, std::uint32_t kinds) {
+  LineSet lines;
   if (kinds == 0) return lines;
-  lines.reserve(result.GetStats().totalLines);
-  for (CTNRowCursor rows(result); !rows.IsAtEnd();) {
-    if (!IsShown(rows.GetKind(), kinds)) {
+  for (CTNRowCursor rows(result);
+       !rows.IsAtEnd() && lines.GetCount() < CTNParserInFileModel::kMostRows;) {
+    if (IsShown(rows.GetKind(), kinds)) {
+      lines.Add(rows.GetLine());
+      rows.MoveBy(1);
+    } else {
       rows.MoveToNextBlock();
-      continue;
     }
-    if (lines.size() == CTNParserInFileModel::kMostRows) break;
-    lines.push_back(rows.GetLine());
-    rows.MoveBy(1);
   }
-  lines.shrink_to_fit();
   return lines;
 }
 
@@ -58,6 +58,7 @@ void CTNParserInFileModel::Fill(const CTNParsedBlockPtrArray& blocks, const Opti
   }
   constexpr int kUsualTabStop = 8;
   const CTNParserContext* const engine = blocks.GetContext();
+  const bool wasEmpty = rowCount() == 0;
   m_scanner.Cancel();
   beginResetModel();
   m_blocks = blocks;
@@ -71,9 +72,22 @@ void CTNParserInFileModel::Fill(const CTNParsedBlockPtrArray& blocks, const Opti
   } else if (options.kinds != kShowAllKinds) {
     m_lines = LinesOfKinds(*result, options.kinds);
   }
+  m_rowLimit = wasEmpty && !options.filter.IsActive() ? kRowsAtOnce : kMostRows;
   m_textLine.reset();
   endResetModel();
+  if (HasLateRows()) {
+    constexpr std::chrono::milliseconds kUntilPainted{50};
+    QTimer::singleShot(kUntilPainted, this, &CTNParserInFileModel::AddLateRows);
+  }
   StartScan();
+}
+
+/// A table takes a while to make room for a million rows: longer than to paint the first ones.
+void CTNParserInFileModel::AddLateRows() {
+  if (!HasLateRows()) return;
+  beginInsertRows({}, rowCount(), static_cast<int>(std::min(CountShown(), kMostRows)) - 1);
+  m_rowLimit = kMostRows;
+  endInsertRows();
 }
 
 /// Looks at the first rows at once: small files are done with that, and of large ones the user
@@ -115,12 +129,12 @@ void CTNParserInFileModel::OnFound(const std::vector<std::uint32_t>& lines,
 
 void CTNParserInFileModel::AppendLines(const std::vector<std::uint32_t>& lines) {
   if (!m_lines || lines.empty()) return;
-  const std::size_t room = kMostRows - m_lines->size();
-  const auto count = static_cast<std::ptrdiff_t>(std::min(room, lines.size()));
+  const std::size_t count = std::min<std::size_t>(kMostRows - m_lines->GetCount(), lines.size());
   if (count == 0) return;
   const int first = rowCount();
   beginInsertRows({}, first, first + static_cast<int>(count) - 1);
-  m_lines->insert(m_lines->end(), lines.begin(), lines.begin() + count);
+  for (std::size_t i = 0; i < count; ++i)
+    m_lines->Add(lines[i]);
   endInsertRows();
 }
 
@@ -152,8 +166,11 @@ void CTNParserInFileModel::SetTextFont(const QFont& font) {
 
 int CTNParserInFileModel::rowCount(const QModelIndex& parent) const {
   if (parent.isValid()) return 0;
-  if (m_lines) return static_cast<int>(m_lines->size());
-  return static_cast<int>(std::min(GetLineCount(), kMostRows));
+  return static_cast<int>(std::min(CountShown(), m_rowLimit));
+}
+
+std::uint32_t CTNParserInFileModel::CountShown() const {
+  return m_lines ? m_lines->GetCount() : GetLineCount();
 }
 
 int CTNParserInFileModel::columnCount(const QModelIndex& parent) const {
@@ -165,13 +182,13 @@ std::uint32_t CTNParserInFileModel::GetLineCount() const {
 }
 
 std::uint32_t CTNParserInFileModel::GetLine(int row) const {
-  return m_lines ? (*m_lines)[static_cast<std::size_t>(row)] : static_cast<std::uint32_t>(row);
+  const auto place = static_cast<std::uint32_t>(row);
+  return m_lines ? m_lines->GetLine(place) : place;
 }
 
 int CTNParserInFileModel::FindRow(std::uint32_t line) const {
-  if (!m_lines) return static_cast<int>(std::min(line, static_cast<std::uint32_t>(rowCount())));
-  return static_cast<int>(std::lower_bound(m_lines->begin(), m_lines->end(), line) -
-                          m_lines->begin());
+  const std::uint32_t place = m_lines ? m_lines->CountBelow(line) : line;
+  return static_cast<int>(std::min(place, static_cast<std::uint32_t>(rowCount())));
 }
 
 const CTNRowCursor& CTNParserInFileModel::CursorAt(int row) const {
@@ -256,7 +273,7 @@ QVariant CTNParserInFileModel::GetCellText(int row, int column) const {
 }
 
 QString CTNParserInFileModel::GetState(const CTNParsedFileBlock& block) const {
-  const QString kind = BlockKindText(block.GetKind());
+  QString kind = BlockKindText(block.GetKind());
   const CTNParserContext* const engine = block.GetContext();
   if (engine == nullptr || !engine->AreResultsStale()) return kind;
   return ToDisplayText(FormatMessageText(Msg::StaleState, kind.toStdString()));

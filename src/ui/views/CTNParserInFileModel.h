@@ -3,6 +3,7 @@
 #include "input/CTNParsedBlockPtrArray.h"
 #include "input/CTNRowIndex.h"
 #include "ui/views/BlockKinds.h"
+#include "ui/views/LineSet.h"
 #include "ui/views/RowScan.h"
 #include "ui/views/RowScanner.h"
 
@@ -18,8 +19,8 @@ namespace bomparser {
 
 /// The rows of an applied input file as a table: line number, matching record, text in up to four
 /// columns. Texts, colours and numbers are made when somebody asks; where all rows are shown it
-/// keeps nothing per row, otherwise four bytes. It keeps its own share of the result, so that what
-/// becomes of the input file meanwhile does not matter; the engine has to outlive it.
+/// keeps nothing per row, otherwise a bit for every line. It keeps its own share of the result, so
+/// that what becomes of the input file meanwhile does not matter; the engine has to outlive it.
 class CTNParserInFileModel final : public QAbstractTableModel {
   Q_OBJECT
 
@@ -29,6 +30,8 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   static constexpr int kFirstText = 2;
   /// More rows than this are not shown: a table counts the pixels of its height in an int.
   static constexpr std::uint32_t kMostRows = 30'000'000;
+  /// A table that was empty has so many rows at first; the others come when these are painted.
+  static constexpr std::uint32_t kRowsAtOnce = 100'000;
 
   /// Which rows are shown and how.
   struct Options {
@@ -42,7 +45,8 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   explicit CTNParserInFileModel(QObject* parent = nullptr);
 
   /// Shows the blocks of an application that succeeded. The model is reset; rows that a filter
-  /// accepts, and columns, come behind that, most of a long file from another thread.
+  /// accepts, and columns, come behind that, most of a long file from another thread. Other rows
+  /// are there at once, but see kRowsAtOnce.
   void Fill(const CTNParsedBlockPtrArray& blocks, const Options& options);
   void Clear();
   /// The font of the text columns.
@@ -78,6 +82,10 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   bool HasFilter() const { return m_options.filter.IsActive(); }
   /// True while another thread still looks for rows or widths.
   bool IsScanning() const { return m_scanner.IsRunning(); }
+  /// True while rows are still to come that are known already; see kRowsAtOnce.
+  bool HasLateRows() const {
+    return m_rowLimit < kMostRows && static_cast<std::uint32_t>(rowCount()) < CountShown();
+  }
 
  signals:
   void WidestTextsChanged();
@@ -88,6 +96,8 @@ class CTNParserInFileModel final : public QAbstractTableModel {
 
  private:
   void StartScan();
+  std::uint32_t CountShown() const;
+  void AddLateRows();
   void OnFound(const std::vector<std::uint32_t>& lines, const WidestTexts& widest);
   void AppendLines(const std::vector<std::uint32_t>& lines);
   void SetWidest(const WidestTexts& widest);
@@ -102,8 +112,9 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   Options m_options;
   RowTextForm m_form;
   QFont m_textFont;
-  std::unique_ptr<CTNRowIndex> m_rows;                // Null while there are no blocks.
-  std::optional<std::vector<std::uint32_t>> m_lines;  // The lines shown; none where all are.
+  std::unique_ptr<CTNRowIndex> m_rows;   // Null while there are no blocks.
+  std::optional<LineSet> m_lines;        // The lines shown; none where all are.
+  std::uint32_t m_rowLimit = kMostRows;  // Rows behind are still to come.
   WidestTexts m_widest;
   int m_extraColumns = 0;
   RowScanner m_scanner;

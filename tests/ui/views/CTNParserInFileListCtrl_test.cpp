@@ -75,7 +75,7 @@ class CTNParserInFileListCtrlTest : public InputViewTest {
     RightClick(*list.viewport(), point);
     QMenu* const menu = OpenMenu();
     if (menu == nullptr) return "none";
-    const std::string text = MenuText(*menu);
+    std::string text = MenuText(*menu);
     menu->close();
     Settle();
     return text;
@@ -282,6 +282,23 @@ TEST_F(CTNParserInFileListCtrlTest, FilteredRowsThatComeLateAreSelectedAgain) {
   ASSERT_TRUE(WaitForScan(Model()));
   Settle();
   EXPECT_EQ(Selected(), (Lines{30'002, 40'002}));
+  EXPECT_EQ(selected, Strings());
+}
+
+TEST_F(CTNParserInFileListCtrlTest, AFilterThatIsTakenBackBeforeItFoundAnythingLeavesTheSelection) {
+  Show(ManyLines(200'000, 10));
+  ASSERT_TRUE(WaitForScan(Model()));
+  list.SetSelectedRows({20, 150'000});
+  Settle();
+  selected.clear();
+  list.SetFilter(RowFilter(QStringLiteral("no such text"), RowFilter::Kind::Text));
+  list.Fill();
+  ASSERT_EQ(Model().rowCount(), 0);
+  list.SetFilter(RowFilter());
+  list.Fill();
+  ASSERT_TRUE(WaitForScan(Model()));
+  EXPECT_EQ(Selected(), (Lines{21, 150'001}));
+  Settle();
   EXPECT_EQ(selected, Strings());
 }
 
@@ -669,5 +686,50 @@ TEST_F(CTNParserInFileListCtrlTest, AnEmptyFileHasNoRow) {
   EXPECT_EQ(list.GetGathered().size(), 0U);
 }
 
+TEST_F(CTNParserInFileListCtrlTest, ADoubleClickKeepsTheHorizontalPlace) {
+  list.resize(300, 300);
+  Show("R1 " + std::string(250, 'x') + "\nR2 " + std::string(250, 'y') + "\nR3 a\n");
+  Click(1);
+  list.horizontalScrollBar()->setValue(200);
+  const int before = list.horizontalScrollBar()->value();
+  ASSERT_GT(before, 0);
+  const QPoint p(150, list.visualRect(Model().index(1, 2)).center().y());
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, p);
+  QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, p);
+  Settle();
+  EXPECT_EQ(list.horizontalScrollBar()->value(), before);
+}
+
+TEST_F(CTNParserInFileListCtrlTest, ARightClickKeepsTheHorizontalPlace) {
+  list.resize(300, 300);
+  Show("R1 " + std::string(250, 'x') + "\nR2 " + std::string(250, 'y') + "\nR3 a\n");
+  Click(1);
+  list.horizontalScrollBar()->setValue(200);
+  const QPoint p(150, list.visualRect(Model().index(2, 2)).center().y());
+  QTest::mousePress(list.viewport(), Qt::RightButton, {}, p);
+  EXPECT_EQ(list.horizontalScrollBar()->value(), 200);
+}
+
+TEST_F(CTNParserInFileListCtrlTest, ASelectionOfThousandsOfRangesIsKept) {
+  Show(ManyLines(20000, 2));
+  list.SetShowFlags(kShowUnmatched);
+  list.Fill();
+  list.selectAll();
+  Settle();
+  const auto n = list.GetSelectedRows().size();
+  ASSERT_GT(n, 5000U);
+  list.SetShowFlags(kShowAllKinds);
+  list.Fill();
+  Settle();
+  EXPECT_EQ(list.GetSelectedRows().size(), n);
+}
+
+TEST_F(CTNParserInFileListCtrlTest, ADoubleClickWithControlRequestsNothing) {
+  Show(kText);
+  Click(1, Qt::ControlModifier);
+  QTest::mouseDClick(list.viewport(), Qt::LeftButton, Qt::ControlModifier, PointOf(1));
+  Settle();
+  EXPECT_TRUE(requests.empty());
+}
 }  // namespace
 }  // namespace bomparser::test

@@ -80,6 +80,32 @@ TEST_F(CTNParserInFileModelTest, EveryKindIsShownByItsOwnFlag) {
   EXPECT_EQ(shown(15).size(), 10U);
 }
 
+TEST_F(CTNParserInFileModelTest, OfAVeryLongFileTheRestOfTheRowsComesABitLater) {
+  constexpr int kRows = 100'000;
+  Show(std::string(3 * kRows, '\n'));
+  EXPECT_EQ(model.rowCount(), kRows);
+  EXPECT_EQ(model.FindRow(2 * kRows), kRows);
+  EXPECT_TRUE(model.HasLateRows());
+  ASSERT_TRUE(WaitForScan(model));
+  EXPECT_EQ(model.rowCount(), 3 * kRows);
+  EXPECT_EQ(model.FindRow(2 * kRows), 2 * kRows);
+  Fill();
+  EXPECT_EQ(model.rowCount(), 3 * kRows);
+}
+
+TEST_F(CTNParserInFileModelTest, RowsThatWereToComeDoNotWhenTheModelWasClearedOrFilledAgain) {
+  const auto wait = [] { QTest::qWait(100); };  // Longer than they would take.
+  Show(std::string(200'000, '\n'));
+  model.Clear();
+  wait();
+  EXPECT_EQ(model.rowCount(), 0);
+  Fill();
+  options.kinds = kShowIgnored;
+  Fill();
+  wait();
+  EXPECT_EQ(model.rowCount(), 1);
+}
+
 // Text columns.
 
 TEST_F(CTNParserInFileModelTest, ARowOf300CharactersFillsTwoColumnsAndNoMore) {

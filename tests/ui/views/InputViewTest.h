@@ -69,8 +69,10 @@ class InputViewTest : public EngineTestIn<TestFolder> {
     const QVariant colour = model.index(row, column).data(role);
     return colour.isValid() ? colour.value<QBrush>().color().name().toStdString() : "none";
   }
+  /// Until everything is there that comes later.
   static bool WaitForScan(const CTNParserInFileModel& model) {
-    return QTest::qWaitFor([&model] { return !model.IsScanning(); }, 60'000);
+    return QTest::qWaitFor([&model] { return !model.IsScanning() && !model.HasLateRows(); },
+                           60'000);
   }
 };
 
