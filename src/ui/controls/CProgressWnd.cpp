@@ -58,7 +58,6 @@ void CProgressWnd::BuildControls() {
   m_text = new LineLabel;
   m_text->setTextFormat(Qt::PlainText);
   m_text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  m_text->setAccessibleName(m_caption);
   SetControlId(*m_text, Ctrl::ProgressText);
 
   m_bar = new QProgressBar;

@@ -111,6 +111,8 @@ bool CTNDlg::event(QEvent* event) {
       event->accept();
       return true;
     case QEvent::WhatsThis: {
+      // Qt leaves this mode only for texts that it shows itself.
+      QWhatsThis::leaveWhatsThisMode();
       const auto* help = static_cast<QHelpEvent*>(event);
       ShowKeyHelp(ControlAt(mapFromGlobal(help->globalPos())), help->globalPos());
       return true;

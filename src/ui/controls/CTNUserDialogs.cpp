@@ -59,10 +59,18 @@ QMessageBox::StandardButton EscapeOf(BoxButtons buttons) {
   return QMessageBox::Ok;
 }
 
+/// A box has to fit the screen: what is longer ends in dots.
+QString FittingText(const QString& text) {
+  constexpr qsizetype kMostLines = 25;
+  constexpr qsizetype kMostCharacters = 2000;
+  const QString shown = text.section(u'\n', 0, kMostLines - 1).left(kMostCharacters);
+  return shown.size() < text.size() ? shown + u'\u2026' : shown;
+}
+
 class QtUserDialogs final : public CTNUserDialogs {
  public:
   BoxAnswer Ask(QWidget* parent, const BoxSpec& box) override {
-    QMessageBox window(IconOf(box.icon), box.caption, box.text, ButtonsOf(box.buttons),
+    QMessageBox window(IconOf(box.icon), box.caption, FittingText(box.text), ButtonsOf(box.buttons),
                        parent != nullptr ? parent->window() : nullptr);
     // Texts of files and templates stand in messages: none of them is markup.
     window.setTextFormat(Qt::PlainText);

@@ -158,7 +158,9 @@ void CTNTemplateParamsDlg::StoreValues(const Values& values) {
   if (m_units->currentIndex() >= 0) m_template.SetUnits(m_units->currentData().toInt());
   m_template.SetBeginRow(values.ignoreBefore);
   m_template.SetEndAfterRow(m_fromTop->isChecked() ? values.ignoreAfter : -values.ignoreAfter);
-  m_template.SetTitle(ToBytes(m_title->text()));
+  // A title whose bytes cannot be shown as they are stays what it is unless somebody edits it.
+  const QString title = m_title->text();
+  if (title != ToDisplayText(m_template.GetTitle())) m_template.SetTitle(ToBytes(title));
   m_template.SetScaleFactor(values.scale);
 }
 
