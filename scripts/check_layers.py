@@ -63,6 +63,16 @@ def check_include(root, path, quoted, name):
         yield f"includes {name}: {floor} may not include {target}"
 
 
+def check_first_include(root, path):
+    """Yields what is wrong with a source file that has a header of its own: that comes first, so that it compiles alone."""
+    own = re.sub(r"\.cpp$", ".h", path)
+    if own == path or not (root / own).is_file():
+        return
+    first = next(includes_of(root, path), None)
+    if first is None or first[2] != own:
+        yield f"includes something before its own header {own}"
+
+
 def find_circle(graph):
     """Returns the files of one circle of includes, first and last the same, or None."""
     done, trail = set(), []
@@ -91,6 +101,7 @@ def check_tree(root):
         if floor_of(path) is None:
             complaints.append(f"src/{path}:1: stands on no floor that scripts/check_layers.py knows")
             continue
+        complaints += [f"src/{path}:1: {text}" for text in check_first_include(root, path)]
         for number, quoted, name in includes_of(root, path):
             complaints += [f"src/{path}:{number}: {text}" for text in check_include(root, path, quoted, name)]
             if quoted:
@@ -122,6 +133,7 @@ BAD_FILES = [
     ("tnbase/S.h", "#include <sys/stat.h>\n", "a header of the system"),
     ("input/Lost.cpp", '#include "Lost.h"\n', "no file of src/"),
     ("input/B.h", '#include "input/B.h"\n', "includes itself: input/B.h -> input/B.h"),
+    ("tnbase/A.cpp", '#include <string>\n#include "tnbase/A.h"\n', "before its own header tnbase/A.h"),
     ("attic/Z.h", "", "stands on no floor"),
 ]
 

@@ -19,7 +19,7 @@ endif()
 # takes their time is the code under test.
 add_library(bomparser_test_flags INTERFACE)
 if(NOT MSVC)
-  target_compile_options(bomparser_test_flags INTERFACE $<$<CONFIG:Debug>:-O0>)
+  target_compile_options(bomparser_test_flags INTERFACE $<$<CONFIG:Debug>:-O0> $<$<CONFIG:Debug>:-g1>)
 endif()
 target_link_libraries(bomparser_test_flags INTERFACE bomparser_flags)
 
