@@ -81,7 +81,10 @@ CTNParserListCtrl::CTNParserListCtrl(QString caption, QWidget* parent)
   AddShortcut(Cmd::CopyText, QKeySequence::Copy);
 }
 
-CTNParserListCtrl::~CTNParserListCtrl() = default;
+CTNParserListCtrl::~CTNParserListCtrl() {
+  // An open editor goes with the widget, when this is no list any more that its end could be told.
+  delete itemDelegate();
+}
 
 // Selection.
 
