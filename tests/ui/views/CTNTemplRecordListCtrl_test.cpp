@@ -951,6 +951,18 @@ class RecordListListenerTest : public CTNTemplRecordListCtrlTest {
     QTest::mouseRelease(v, Qt::LeftButton, Qt::NoModifier, p + by);
     Settle();
   }
+  /// Whoever is told of an edit runs events, in which other rows come to be shown.
+  void ReplaceTemplateWhileTold() {
+    QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
+      QEventLoop loop;
+      QTimer::singleShot(0, &loop, [this, &loop] {
+        engine.NewTemplate();
+        list->ShowRecords();
+        loop.quit();
+      });
+      loop.exec();
+    });
+  }
 };
 
 TEST_F(RecordListListenerTest, AClickThatJittersOpensTheEditor) {
@@ -1084,15 +1096,7 @@ TEST_F(RecordListListenerTest, AListThatIsHiddenAppliesItsOpenEdit) {
 TEST_F(RecordListListenerTest, AnEditorOutlivesTheReportThatReplacesItsRow) {
   AddFive();
   Fill();
-  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
-    QEventLoop loop;
-    QTimer::singleShot(0, &loop, [this] {
-      engine.NewTemplate();
-      list->ShowRecords();
-    });
-    QTimer::singleShot(20, &loop, &QEventLoop::quit);
-    loop.exec();
-  });
+  ReplaceTemplateWhileTold();
   Choose(1, Col::Type, "Part");
   EXPECT_EQ(list->model()->rowCount(), 0);
 }
@@ -1100,15 +1104,7 @@ TEST_F(RecordListListenerTest, AnEditorOutlivesTheReportThatReplacesItsRow) {
 TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterEnter) {
   AddFive();
   Fill();
-  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
-    QEventLoop loop;
-    QTimer::singleShot(0, &loop, [this] {
-      engine.NewTemplate();
-      list->ShowRecords();
-    });
-    QTimer::singleShot(20, &loop, &QEventLoop::quit);
-    loop.exec();
-  });
+  ReplaceTemplateWhileTold();
   CTNInPlaceEdit* edit = OpenText(1, Col::Description);
   QTest::keyClicks(edit, "X");
   QTest::keyPress(edit, Qt::Key_Return);
@@ -1119,15 +1115,7 @@ TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterEnter) {
 TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterALossOfTheFocus) {
   AddFive();
   Fill();
-  QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
-    QEventLoop loop;
-    QTimer::singleShot(0, &loop, [this] {
-      engine.NewTemplate();
-      list->ShowRecords();
-    });
-    QTimer::singleShot(20, &loop, &QEventLoop::quit);
-    loop.exec();
-  });
+  ReplaceTemplateWhileTold();
   CTNInPlaceEdit* edit = OpenText(1, Col::Description);
   QTest::keyClicks(edit, "X");
   neighbour->setFocus();
