@@ -2,12 +2,14 @@
 """Runs clang-tidy on every source file of the project whose text, headers, flags or checks have changed."""
 
 import argparse
+import collections
 import concurrent.futures
 import hashlib
 import json
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -15,6 +17,11 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ("src", "tests", "bench", "fuzz")
 INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
+HEADER = re.compile(r'^#include (?:<[^>]+>|"[^"]+\.h").*\n', re.MULTILINE)
+UNNAMED = re.compile(r"^namespace \{$(.*?)^\}  // namespace$", re.MULTILINE | re.DOTALL)
+NAME = re.compile(r"^(?:(?:class|struct|enum|enum class|union) (\w+)|using (\w+) = .*;|"
+                  r"(?!TEST|INSTANTIATE|return|using )\w[\w:<>,&*\[\] ]*[ &*>](\w+)(?:\(|\[| = |\{|;))", re.MULTILINE)
+AT_ONCE = 8
 
 
 class Digests:
@@ -56,18 +63,73 @@ def units_of(build):
             if build not in path.parents and any(folder in path.parents for folder in own) and path.is_file()}
 
 
-def checks_for(path):
-    """The texts of all that says what is checked in the file."""
+def configurations_of(path):
+    """All files that say what is checked in the file."""
     folders = [folder for folder in path.parents if folder == ROOT or ROOT in folder.parents]
-    files = [folder / ".clang-tidy" for folder in folders]
-    return "".join(file.read_text() for file in files if file.is_file())
+    return [folder / ".clang-tidy" for folder in folders if (folder / ".clang-tidy").is_file()]
 
 
-def lint(tool, build, path):
+def lint(tool, path, *how):
     """Returns the complaints about one file, empty when there are none."""
-    done = subprocess.run([tool, "--quiet", "-p", str(build), str(path)], capture_output=True, text=True, check=False)
+    done = subprocess.run([tool, "--quiet", str(path), *how], capture_output=True, text=True, check=False)
     # Standard error holds little but the number of warnings in system headers, unless the tool itself failed.
     return "" if done.returncode == 0 else done.stdout or done.stderr
+
+
+def options_of(path, command):
+    """What of a compile command says how the file is read."""
+    words = shlex.split(command)[1:]
+    output = words.index("-o")
+    return tuple(word for word in words[:output] + words[output + 2:] if word not in ("-c", str(path)))
+
+
+def own_names(path):
+    """What a file calls the things that it keeps to itself, as far as a look at its lines tells, and which they are."""
+    names = {}
+    for name in (name for inside in UNNAMED.findall(path.read_text()) for name in NAME.finditer(inside)):
+        # Alone of all things one name may be given to the same type twice.
+        names[next(filter(None, name.groups()))] = name[0] if name[2] else path
+    return names
+
+
+def batches_of(units):
+    """Files of one folder that are read alike and share no name, so many that their headers are looked at once."""
+    batches = collections.defaultdict(list)
+    for path, command in units.items():
+        options, names = options_of(path, command), own_names(path)
+        alike = batches[path.parent, options]
+        for paths, taken in alike:
+            if len(paths) < AT_ONCE and all(taken.get(name, what) == what for name, what in names.items()):
+                paths.append(path)
+                taken.update(names)
+                break
+        else:
+            alike.append(([path], names))
+    return [(paths, options) for (_, options), alike in batches.items() for paths, _ in alike]
+
+
+def joined(paths):
+    """The files as one text, in which each header is included once."""
+    texts = [path.read_text() for path in paths]
+    headers = dict.fromkeys(header for text in texts for header in HEADER.findall(text))
+    return "".join([*headers, *(HEADER.sub("", text) for text in texts)])
+
+
+def lint_batch(tool, build, batch):
+    """Returns the complaints about each file. Files that cannot be read together are looked at one by one."""
+    paths, options = batch
+    if len(paths) > 1:
+        # Stands in a copy of the tree, where the tool finds what is checked in the folder.
+        copy = build / "lint/joined"
+        source = copy / paths[0].relative_to(ROOT)
+        source.parent.mkdir(parents=True, exist_ok=True)
+        for configuration in configurations_of(paths[0]):
+            shutil.copyfile(configuration, copy / configuration.relative_to(ROOT))
+        source.write_text(joined(paths))
+        # What one file calls its own may shadow the same name of another.
+        if not lint(tool, source, "--", *options, f"-I{paths[0].parent}", "-Wno-shadow"):
+            return [""] * len(paths)
+    return [lint(tool, path, "-p", str(build)) for path in paths]
 
 
 def main():
@@ -82,22 +144,25 @@ def main():
     version = subprocess.run([tool, "--version"], capture_output=True, text=True, check=True).stdout
     digests, stamps = Digests(), build / "lint"
     stamps.mkdir(exist_ok=True)
-    changed = {}
+    changed, wanted = {}, {}
     for path, command in units_of(build).items():
         stamp = stamps / (str(path.relative_to(ROOT)).replace("/", "!") + ".ok")
-        digest = digests.of(path, checks_for(path) + version + command)
+        checks = "".join(file.read_text() for file in configurations_of(path))
+        digest = digests.of(path, checks + version + command)
         if not stamp.is_file() or stamp.read_text() != digest:
-            changed[path] = (stamp, digest)
+            changed[path], wanted[path] = command, (stamp, digest)
 
     failed = 0
+    batches = list(batches_of(changed))
     with concurrent.futures.ThreadPoolExecutor(arguments.j) as pool:
-        results = pool.map(lambda path: lint(tool, build, path), changed)
-        for (path, (stamp, digest)), complaints in zip(changed.items(), results):
-            if complaints:
-                failed += 1
-                print(complaints, flush=True)
-            else:
-                stamp.write_text(digest)
+        for batch, results in zip(batches, pool.map(lambda batch: lint_batch(tool, build, batch), batches)):
+            for path, complaints in zip(batch[0], results):
+                stamp, digest = wanted[path]
+                if complaints:
+                    failed += 1
+                    print(complaints, flush=True)
+                else:
+                    stamp.write_text(digest)
     print(f"clang-tidy: {len(changed)} files looked at, {failed} with complaints")
     return 1 if failed else 0
 

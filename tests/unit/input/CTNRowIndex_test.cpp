@@ -35,6 +35,7 @@ class CTNRowIndexTest : public testing::Test {
   /// One block with this many lines "0", "1" ...
   Taken Lines(int count) const {
     std::vector<Taken> lines;
+    lines.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
       lines.push_back(Line(std::to_string(i)));
     return {&list, {Instances(lines)}};
