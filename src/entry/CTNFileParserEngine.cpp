@@ -3,8 +3,11 @@
 #include "entry/EntityListWriter.h"
 #include "input/MessageTexts.h"
 #include "tnbase/AtomicFile.h"
+#include "tnbase/SystemReason.h"
 
+#include <filesystem>
 #include <new>
+#include <system_error>
 #include <utility>
 
 namespace bomparser {
@@ -206,6 +209,18 @@ bool CTNFileParserEngine::GetSideCopyPath(std::string& path, std::string& error)
            path = folder + '/' + SideCopyName();
            return true;
          });
+}
+
+bool CTNFileParserEngine::DeleteSideCopy(std::string& error) {
+  return !m_valid || Guard(error, [&] {
+    if (m_owedCopy && m_owedCopy->name == SideCopyName()) m_owedCopy = nullptr;
+    std::string path;
+    if (!GetSideCopyPath(path, error)) return false;
+    std::error_code failure;
+    std::filesystem::remove(path, failure);
+    if (failure) error = SystemReason("cannot delete", path, failure.value());
+    return !failure;
+  });
 }
 
 void CTNFileParserEngine::OnTemplateChanged(ChangeKind change, std::uint32_t editKinds) {

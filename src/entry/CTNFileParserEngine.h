@@ -105,6 +105,11 @@ class CTNFileParserEngine final : public CTNParserContext {
   /// the whole off once more. It only looks, and calls nothing of the engine.
   void WriteOwedSideCopy(const std::function<bool()>& mayGoOn = {});
 
+  /// Deletes the side copy of the current input file's list, if there is one: it is no longer the
+  /// template's. What is owed of it is written no more. False with `error` when it cannot be
+  /// deleted.
+  bool DeleteSideCopy(std::string& error);
+
   void SetSideCopy(SideCopy sideCopy) { m_sideCopy = sideCopy; }
   /// How many threads may work on one application or list, the caller's included; 1 at first, and
   /// 64 at most. What comes out is the same for any number.

@@ -1,7 +1,6 @@
 #include "ui/views/CTNTransSummaryPropPage.h"
 
 #include "entry/CTNFileParserEngine.h"
-#include "tnbase/SystemReason.h"
 #include "ui/controls/CTNUserDialogs.h"
 #include "ui/controls/CTNWebBrowser2.h"
 #include "ui/controls/DisplayText.h"
@@ -16,9 +15,7 @@
 #include <QVBoxLayout>
 #include <array>
 #include <cstdint>
-#include <filesystem>
 #include <new>
-#include <system_error>
 #include <utility>
 
 namespace bomparser {
@@ -160,15 +157,8 @@ void CTNTransSummaryPropPage::ShowEntityList() {
 }
 
 void CTNTransSummaryPropPage::DeleteEntityList() {
-  std::string path;
   std::string error;
-  if (!m_engine->GetSideCopyPath(path, error)) {
-    ReportFileError(error);
-    return;
-  }
-  std::error_code failure;
-  std::filesystem::remove(path, failure);
-  if (failure) ReportFileError(SystemReason("cannot delete", path, failure.value()));
+  if (!m_engine->DeleteSideCopy(error)) ReportFileError(error);
 }
 
 void CTNTransSummaryPropPage::ReportFileError(const std::string& error) {

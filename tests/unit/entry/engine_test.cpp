@@ -330,6 +330,36 @@ TEST_F(EngineTest, ForgettingResultsWritesTheCopyThatIsOwedOfThem) {
   EXPECT_TRUE(result.expired());
 }
 
+TEST_F(EngineTest, DeletingTheCopyDropsWhatIsOwedOfItAndKeepsThoseOfOtherFiles) {
+  std::string error;
+  Load(TemplateFor("a|b"));
+  Open("a\n", "first.txt");
+  const std::string first = SideCopyPath();
+  ASSERT_EQ(Apply(), "ok");
+  Open("b\n", "second.txt");
+  EXPECT_TRUE(engine.DeleteSideCopy(error)) << error;
+  EXPECT_EQ(BytesAt(first), ListOfWords({"a"}));
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_TRUE(engine.DeleteSideCopy(error)) << error;
+  engine.WriteOwedSideCopy();
+  EXPECT_EQ(SideCopy(), "(none)");
+  ASSERT_EQ(Apply(), "ok");
+  EXPECT_EQ(SideCopy(), ListOfWords({"b"}));
+  EXPECT_TRUE(engine.DeleteSideCopy(error)) << error;
+  EXPECT_EQ(SideCopy(), "(none)");
+  EXPECT_TRUE(engine.DeleteSideCopy(error)) << "there is none any longer: " << error;
+}
+
+TEST_F(EngineTest, ACopyThatCannotBeDeletedSaysWhy) {
+  Load(TemplateFor("a"));
+  Open("a\n");
+  const std::string path = SideCopyPath();
+  std::filesystem::create_directories(path + "/inside");
+  std::string error;
+  EXPECT_FALSE(engine.DeleteSideCopy(error));
+  EXPECT_EQ(error, "cannot delete " + path + ": Directory not empty");
+}
+
 TEST_F(EngineTest, ACopyIsPutOffAsAWhole) {
   constexpr std::size_t kManyPieces = 60'000;
   Load(TemplateFor("a"));
