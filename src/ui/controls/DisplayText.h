@@ -12,6 +12,9 @@ namespace bomparser {
 /// they are no UTF-8. The bytes themselves stay what they are.
 QString ToDisplayText(std::string_view bytes);
 
+/// The text as a tool tip: none of it is markup, it is wrapped, and a very long one is cut.
+QString AsToolTip(const QString& text);
+
 /// What the user typed, as it is stored.
 inline std::string ToBytes(const QString& text) { return text.toStdString(); }
 

@@ -5,7 +5,10 @@
 #include "ui/controls/Mnemonic.h"
 
 #include <QAbstractTableModel>
+#include <QAction>
+#include <QClipboard>
 #include <QDialogButtonBox>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QStyledItemDelegate>
@@ -37,7 +40,8 @@ class ErrorLinesModel final : public QAbstractTableModel {
 
   QVariant data(const QModelIndex& index, int role) const override {
     if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
-    return ToDisplayText(m_lines[static_cast<std::size_t>(index.row())]);
+    const QString line = ToDisplayText(m_lines[static_cast<std::size_t>(index.row())]);
+    return role == Qt::ToolTipRole ? AsToolTip(line) : line;
   }
 
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
@@ -80,6 +84,25 @@ int WidestLine(const QTableView& list, const ErrorLinesModel& model) {
   return widest;
 }
 
+void CopySelectedLines(const QTableView& list) {
+  QStringList lines;
+  const QAbstractItemModel& model = *list.model();
+  for (int row = 0; row < model.rowCount(); ++row) {
+    const QModelIndex line = model.index(row, 0);
+    if (list.selectionModel()->isSelected(line)) lines += line.data().toString();
+  }
+  if (!lines.isEmpty()) QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+}
+
+void AddCopyCommand(QTableView& list) {
+  auto* copy = new QAction(MessageText(Msg::CopyCommand), &list);
+  copy->setShortcut(QKeySequence::Copy);
+  copy->setShortcutContext(Qt::WidgetShortcut);
+  QObject::connect(copy, &QAction::triggered, &list, [&list] { CopySelectedLines(list); });
+  list.addAction(copy);
+  list.setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
 }  // namespace
 
 CTNDlgErrorLog::CTNDlgErrorLog(const CTNParserErrorLog* log, const QString& mainTitle,
@@ -110,7 +133,7 @@ QTableView* CTNDlgErrorLog::BuildList(const CTNParserErrorLog* log) {
   list->setItemDelegate(new OneRowDelegate(list));
   list->setEditTriggers(QAbstractItemView::NoEditTriggers);
   list->setSelectionBehavior(QAbstractItemView::SelectRows);
-  list->setSelectionMode(QAbstractItemView::SingleSelection);
+  list->setSelectionMode(QAbstractItemView::ExtendedSelection);
   list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   list->setShowGrid(false);
   list->setWordWrap(false);
@@ -118,7 +141,10 @@ QTableView* CTNDlgErrorLog::BuildList(const CTNParserErrorLog* log) {
   list->verticalHeader()->hide();
   const int margin = list->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
   list->verticalHeader()->setDefaultSectionSize(list->fontMetrics().height() + 2 * margin);
-  list->setColumnWidth(0, WidestLine(*list, *model) + 2 * margin);
+  // As wide as the list, or as the widest line if that is more.
+  list->horizontalHeader()->setMinimumSectionSize(WidestLine(*list, *model) + 2 * margin);
+  list->horizontalHeader()->setStretchLastSection(true);
+  AddCopyCommand(*list);
   if (model->rowCount({}) > 0) list->setCurrentIndex(model->index(0, 0));
   return list;
 }

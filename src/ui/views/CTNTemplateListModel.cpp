@@ -4,7 +4,6 @@
 #include "ui/controls/DisplayText.h"
 #include "ui/controls/Icons.h"
 
-#include <QTextDocument>
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -32,11 +31,6 @@ QString HintOf(const CTNTemplateListNode& node) {
   const QString remark = node.GetRemark();
   if (!hint.isEmpty() && !remark.isEmpty()) hint += u'\n';
   return hint + remark;
-}
-
-// Texts of templates stand in hints: none of them is markup.
-QString AsToolTip(const QString& text) {
-  return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
 QVariant OrNothing(const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); }

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QStyledItemDelegate>
 #include <QTableView>
+#include <QTextDocument>
 #include <memory>
 #include <string>
 #include <vector>
@@ -83,6 +84,27 @@ TEST_F(CTNDlgErrorLogTest, AMessageWithALineFeedIsOneRowAsHighAsAnyOther) {
   EXPECT_EQ(first.data(Qt::ToolTipRole), first.data());
 }
 
+TEST_F(CTNDlgErrorLogTest, ATipIsNoMarkupIsWrappedAndEndsSomewhere) {
+  log.AddMessage("Error: <b>bold</b> & such");
+  log.AddMessage(std::string(50, 'x') + "  " + std::string(50, 'x'));
+  log.AddMessage(std::string(100'000, 'y'));
+  log.AddMessage("one line feed\n" + std::string(100, 'z'));
+  Open(&log);
+  const auto tip = [this](int row) {
+    return List().model()->index(row, 0).data(Qt::ToolTipRole).toString();
+  };
+  const auto shown = [](const QString& markup) {
+    QTextDocument document;
+    document.setHtml(markup);
+    return document.toPlainText().toStdString();
+  };
+  EXPECT_EQ(shown(tip(0)), "Error: <b>bold</b> & such");
+  EXPECT_TRUE(Qt::mightBeRichText(tip(1))) << "only markup is wrapped";
+  EXPECT_EQ(shown(tip(1)), std::string(50, 'x') + "  " + std::string(50, 'x'));
+  EXPECT_EQ(shown(tip(2)), std::string(1000, 'y') + "\u2026");
+  EXPECT_FALSE(Qt::mightBeRichText(tip(3))) << "its lines are short enough";
+}
+
 TEST_F(CTNDlgErrorLogTest, TheColumnFitsTheWidestLineWhereverItIs) {
   for (int line = 0; line < 2000; ++line)
     log.AddMessage("short");
@@ -146,12 +168,32 @@ TEST_F(CTNDlgErrorLogTest, TheSelectedLineIsCopied) {
   EXPECT_EQ(QApplication::clipboard()->text(), "Error: Invalid field type");
 }
 
+TEST_F(CTNDlgErrorLogTest, AllSelectedLinesAreCopiedInTheirOrder) {
+  for (const char* text : {"first", "second", "third", "fourth"})
+    log.AddMessage(text);
+  Open(&log);
+  QTest::keyClick(&List(), Qt::Key_A, Qt::ControlModifier);
+  List().selectionModel()->select(List().model()->index(1, 0), QItemSelectionModel::Deselect);
+  QTest::keyClick(&List(), Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), "first\nthird\nfourth");
+  ASSERT_EQ(List().actions().size(), 1);
+  EXPECT_EQ(List().actions().front()->text(), "Copy");
+}
+
+TEST_F(CTNDlgErrorLogTest, ShortLinesAreAsWideAsTheList) {
+  log.AddMessage("short");
+  Open(&log);
+  EXPECT_EQ(List().columnWidth(0), List().viewport()->width());
+}
+
 TEST_F(CTNDlgErrorLogTest, ButtonEnterAndEscapeCloseIt) {
+  log.AddMessage("Error: Invalid field type");
   Open(&log);
   QTest::mouseClick(dialog->findChild<QPushButton*>(), Qt::LeftButton);
   EXPECT_FALSE(dialog->isVisible());
   for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
     Open(&log);
+    EXPECT_TRUE(List().currentIndex().isValid());
     QTest::keyClick(&List(), key);
     EXPECT_FALSE(dialog->isVisible()) << key;
   }
