@@ -193,7 +193,9 @@ void CProgressWnd::PeekAndPump(EscapeKey escape) {
   if (m_cancelled) return;
   m_pumping = true;
   if (escape == EscapeKey::Cancels) qApp->installEventFilter(this);
+  const QPointer<CProgressWnd> alive(this);  // Its parent may be closed for good meanwhile.
   QCoreApplication::processEvents(QEventLoop::AllEvents, kLongestPumpMs);
+  if (alive.isNull()) return;
   qApp->removeEventFilter(this);
   m_pumping = false;
   if (m_cancelled && m_modal) Destroy();

@@ -15,21 +15,24 @@ constexpr unsigned kMostCallsPerLook = 16;
 
 WindowProgress::WindowProgress(CTNHostApp& host, QWidget* parent, std::string_view caption,
                                std::chrono::milliseconds breatheAfter)
-    : m_window(host), m_breatheAfter(breatheAfter), m_looked(Clock::now()) {
-  m_window.Create(parent, ToDisplayText(caption), BarLook::Smooth);
-  m_window.GoModal();
-  m_window.show();
+    : m_window(new CProgressWnd(host)), m_breatheAfter(breatheAfter), m_looked(Clock::now()) {
+  m_window->Create(parent, ToDisplayText(caption), BarLook::Smooth);
+  m_window->GoModal();
+  m_window->show();
   Breathe();
 }
 
+WindowProgress::~WindowProgress() { delete m_window; }
+
 void WindowProgress::SetText(std::string_view text) {
-  m_window.SetText(ToDisplayText(text));
+  if (m_window.isNull()) return;
+  m_window->SetText(ToDisplayText(text));
   // What comes now may take long before its first step.
   Breathe();
 }
 
 void WindowProgress::SetRange(std::int32_t lower, std::int32_t upper, std::int32_t step) {
-  m_window.SetRange(lower, upper, step);
+  if (!m_window.isNull()) m_window->SetRange(lower, upper, step);
   m_position = 0;
   m_step = step;
 }
@@ -37,7 +40,7 @@ void WindowProgress::SetRange(std::int32_t lower, std::int32_t upper, std::int32
 bool WindowProgress::StepAndPoll(std::uint32_t steps) {
   m_position += std::int64_t{m_step} * steps;
   if (++m_callsSinceLook >= m_callsPerLook) LookAtClock();
-  return m_window.Cancelled();
+  return IsCancelled();
 }
 
 void WindowProgress::LookAtClock() {
@@ -47,14 +50,14 @@ void WindowProgress::LookAtClock() {
   m_callsPerLook = slow ? 1 : kMostCallsPerLook;
   m_callsSinceLook = 0;
   m_looked = now;
-  if (now - m_breathed < m_breatheAfter || m_window.Cancelled()) return;
+  if (now - m_breathed < m_breatheAfter || IsCancelled()) return;
   constexpr std::int64_t kMostPosition = std::numeric_limits<int>::max();
-  m_window.SetPos(static_cast<int>(std::min(m_position, kMostPosition)));
+  m_window->SetPos(static_cast<int>(std::min(m_position, kMostPosition)));
   Breathe();
 }
 
 void WindowProgress::Breathe() {
-  m_window.PeekAndPump(EscapeKey::Cancels);
+  if (!m_window.isNull()) m_window->PeekAndPump(EscapeKey::Cancels);
   m_breathed = Clock::now();
 }
 

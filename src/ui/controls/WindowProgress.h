@@ -3,6 +3,7 @@
 #include "input/roles/CTNFrontEnd.h"
 #include "ui/controls/CProgressWnd.h"
 
+#include <QPointer>
 #include <chrono>
 #include <cstdint>
 #include <string_view>
@@ -24,11 +25,14 @@ class WindowProgress final : public CTNProgress {
   WindowProgress(CTNHostApp& host, QWidget* parent, std::string_view caption,
                  std::chrono::milliseconds breatheAfter = kBreatheAfter);
 
+  ~WindowProgress() override;
+
   void SetText(std::string_view text) override;
   bool ShowsPosition() const override { return true; }
   void SetRange(std::int32_t lower, std::int32_t upper, std::int32_t step) override;
   bool StepAndPoll(std::uint32_t steps) override;
-  bool IsCancelled() const override { return m_window.Cancelled(); }
+  /// True as well when the window has gone with its parent.
+  bool IsCancelled() const override { return m_window.isNull() || m_window->Cancelled(); }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -36,7 +40,7 @@ class WindowProgress final : public CTNProgress {
   void LookAtClock();
   void Breathe();
 
-  CProgressWnd m_window;
+  QPointer<CProgressWnd> m_window;  // Owned, unless the parent took it along.
   std::chrono::milliseconds m_breatheAfter;
   std::int64_t m_position = 0;
   std::int32_t m_step = 1;

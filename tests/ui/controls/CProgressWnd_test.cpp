@@ -2,6 +2,7 @@
 
 #include "tests/ui/support/UiTest.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -91,6 +92,15 @@ TEST_F(CProgressWndTest, TheTextIsShownAsItIs) {
   EXPECT_EQ(TextLine().text(), "Applying <b>R&D</b> ...");
   EXPECT_EQ(TextLine().textFormat(), Qt::PlainText);
   EXPECT_FALSE(TextLine().wordWrap());
+}
+
+TEST_F(CProgressWndTest, AssistiveToolsAreToldTheText) {
+  CreateWindow();
+  window->SetText("Applying parts.xml ...");
+  const QAccessibleInterface* line = QAccessible::queryAccessibleInterface(&TextLine());
+  ASSERT_NE(line, nullptr);
+  EXPECT_EQ(line->text(QAccessible::Name), "Applying parts.xml ...");
+  EXPECT_EQ(line->role(), QAccessible::StaticText);
 }
 
 TEST_F(CProgressWndTest, TheTitleTellsTheShareOfTheRange) {

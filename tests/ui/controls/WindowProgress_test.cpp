@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QThread>
 #include <QTimer>
 #include <QWindow>
 #include <chrono>
@@ -27,6 +28,7 @@ class WindowFrontEnd final : public CTNFrontEnd {
   WindowFrontEnd(CTNHostApp& host, QWidget& parent) : m_host(host), m_parent(parent) {}
   std::unique_ptr<CTNProgress> BeginProgress(const std::string& caption) override {
     ++begun;
+    if (begins) return begins(caption);
     auto progress =
         std::make_unique<WindowProgress>(m_host, &m_parent, caption, std::chrono::milliseconds(0));
     if (whenShown) whenShown(*m_parent.findChild<CProgressWnd*>());
@@ -36,6 +38,7 @@ class WindowFrontEnd final : public CTNFrontEnd {
 
   int begun = 0;
   std::function<void(CProgressWnd&)> whenShown;
+  std::function<std::unique_ptr<CTNProgress>(const std::string&)> begins;  // Instead, if set.
 
  private:
   CTNHostApp& m_host;
@@ -157,6 +160,19 @@ TEST_F(WindowProgressTest, ACancelIsSeenAtTheNextStepHoweverSeldomTheBarMoves) {
   EXPECT_TRUE(progress.IsCancelled());
 }
 
+TEST_F(WindowProgressTest, TheBarHasMovedByTheSixteenthStepAtTheLatest) {
+  constexpr std::chrono::milliseconds kBreath{5};
+  WindowProgress progress(host, &parent, "Scanning", kBreath);
+  progress.SetRange(0, 100, 1);
+  const auto* bar = parent.findChild<QProgressBar*>();
+  for (int round = 1; round <= 3; ++round) {
+    QThread::msleep(2 * kBreath.count());
+    for (int step = 0; step < 16; ++step)
+      EXPECT_FALSE(progress.StepAndPoll(1));
+    EXPECT_GT(bar->value(), (round - 1) * 16);
+  }
+}
+
 TEST_F(WindowProgressTest, AStepMayStandForSeveralPieces) {
   WindowProgress progress(host, &parent, "Scanning", std::chrono::milliseconds(0));
   progress.SetRange(0, 100, 10);
@@ -177,6 +193,22 @@ TEST_F(WindowProgressTest, EscapeCancelsAnApplicationAndLeavesTheResults) {
 
 TEST_F(WindowProgressTest, ItsCloseBoxCancelsAnApplicationAndLeavesTheResults) {
   ExpectCancelledBy([](CProgressWnd& window) { window.windowHandle()->close(); });
+}
+
+TEST_F(WindowProgressTest, AParentThatGoesMeanwhileCancelsTheApplication) {
+  auto* const brief = new QWidget;
+  brief->show();
+  WindowFrontEnd briefFrontEnd(host, *brief);
+  frontEnd.begins = [&](const std::string& caption) {
+    return briefFrontEnd.BeginProgress(caption);
+  };
+  WriteLongInput();
+  briefFrontEnd.whenShown = [brief](CProgressWnd&) {
+    QTimer::singleShot(0, qApp, [brief] { delete brief; });
+  };
+  EXPECT_FALSE(Apply());
+  EXPECT_TRUE(cancelled);
+  EXPECT_EQ(error, "Operation cancelled");
 }
 
 TEST_F(WindowProgressTest, StaleResultsStayStaleResultsAfterACancel) {
