@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QStackedLayout>
@@ -90,13 +91,24 @@ void CTNWebBrowser2::AddKeys() {
     action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     QObject::connect(action, &QAction::triggered, widget, command);
     widget->addAction(action);
+    return action;
   };
-  add(this, Msg::FindCommand, QKeySequence::Find, [this] { OpenFindLine(); });
-  add(this, Msg::FindNextCommand, QKeySequence::FindNext, [this] { Find(SearchDirection::Down); });
-  add(this, Msg::FindPreviousCommand, QKeySequence::FindPrevious,
-      [this] { Find(SearchDirection::Up); });
+  const QList<QAction*> finding = {
+      add(this, Msg::FindCommand, QKeySequence::Find, [this] { OpenFindLine(); }),
+      add(this, Msg::FindNextCommand, QKeySequence::FindNext,
+          [this] { Find(SearchDirection::Down); }),
+      add(this, Msg::FindPreviousCommand, QKeySequence::FindPrevious,
+          [this] { Find(SearchDirection::Up); })};
   add(m_rows, Msg::CopyCommand, QKeySequence::Copy, [this] { CopyRows(); });
+  m_rows->addActions(finding);
   m_rows->setContextMenuPolicy(Qt::ActionsContextMenu);
+  m_text->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(m_text, &QWidget::customContextMenuRequested, this, [this, finding](const QPoint& point) {
+    QMenu* const menu = m_text->createStandardContextMenu(point);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(finding);
+    menu->popup(m_text->mapToGlobal(point));
+  });
 }
 
 void CTNWebBrowser2::changeEvent(QEvent* event) {
@@ -104,8 +116,7 @@ void CTNWebBrowser2::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
 }
 
-// ------------------------------------------------------------------------------------- what is
-// shown
+// What is shown.
 
 bool CTNWebBrowser2::Navigate(const std::string& path) {
   const bool shownBefore = path == m_path;
@@ -175,8 +186,7 @@ void CTNWebBrowser2::ShowRows(ViewedFile file) {
   SelectRow(0);
 }
 
-// ------------------------------------------------------------------------------------- find and
-// copy
+// Find and copy.
 
 void CTNWebBrowser2::OpenFindLine() { m_findLine->Open(); }
 

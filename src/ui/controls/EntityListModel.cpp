@@ -50,6 +50,16 @@ std::string SearchKey(const QString& text) {
   return longest;
 }
 
+/// How long the bytes become as a row, at most: a control code is shown by its number.
+std::size_t ShownSize(std::string_view bytes) {
+  constexpr std::size_t kCodeAdds = 3;
+  const auto isCode = [](char byte) {
+    return static_cast<unsigned char>(byte) < ' ' || byte == 0x7F;
+  };
+  return bytes.size() +
+         kCodeAdds * static_cast<std::size_t>(std::count_if(bytes.begin(), bytes.end(), isCode));
+}
+
 bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 }  // namespace
@@ -184,8 +194,9 @@ void EntityListModel::CutIntoRows() {
 void EntityListModel::AddRows(std::size_t start, std::size_t end) {
   while (start < end) {
     const std::size_t next = EndOfRow(start, end);
-    if (next - start > m_longestSize) {
-      m_longestSize = next - start;
+    const std::size_t size = ShownSize(m_file.GetBytes().substr(start, next - start));
+    if (size > m_longestSize) {
+      m_longestSize = size;
       m_longest = static_cast<int>(m_starts.size());
     }
     m_starts.push_back(start);

@@ -1,6 +1,7 @@
 #include "ui/controls/CTNWebBrowser2.h"
 
 #include "tests/support/TestFolder.h"
+#include "tests/ui/controls/EntityLists.h"
 #include "tests/ui/support/UiTest.h"
 
 #include <QClipboard>
@@ -16,13 +17,6 @@
 
 namespace bomparser::test {
 namespace {
-
-std::string Entity(const std::string& value) {
-  return "<ENTITY>Part<VALUE>" + value + "</VALUE></ENTITY>";
-}
-std::string List(const std::string& entities) {
-  return "<TN_FILEPARSER_ENTITIES>" + entities + "</TN_FILEPARSER_ENTITIES>";
-}
 
 class CTNWebBrowser2Test : public TestFolder {
  protected:
@@ -192,6 +186,34 @@ TEST_F(CTNWebBrowser2Test, TextIsFoundWithTheKeyboardRoundAndRound) {
   EXPECT_EQ(Text().textCursor().blockNumber(), first);
   QTest::keyClick(&What(), Qt::Key_Return, Qt::ShiftModifier);
   EXPECT_EQ(Text().textCursor().selectedText(), QStringLiteral("ONE"));
+}
+
+TEST_F(CTNWebBrowser2Test, BothViewsOfferFindingInTheirMenus) {
+  const auto commands = [](const QMenu& menu) {
+    std::string texts;
+    for (const QAction* action : menu.actions())
+      texts += action->isSeparator() ? "" : action->text().remove(u'&').toStdString() + "|";
+    return texts;
+  };
+  ASSERT_TRUE(Show(List(Entity("one") + Entity("two"))));
+  RightClick(*Text().viewport(), {20, 10});
+  QMenu* menu = OpenMenu();
+  ASSERT_NE(menu, nullptr);
+  EXPECT_NE(commands(*menu).find("Find ...|Find Next|Find Previous|"), std::string::npos)
+      << commands(*menu);
+  EXPECT_NE(commands(*menu).find("Copy"), std::string::npos) << commands(*menu);
+  for (QAction* action : menu->actions()) {
+    if (action->text().remove(u'&') == QStringLiteral("Find ...")) action->trigger();
+  }
+  menu->close();
+  Settle();
+  EXPECT_TRUE(What().hasFocus());
+  ASSERT_TRUE(Show(LargeList()));
+  std::string offered;
+  for (const QAction* action : Rows().actions())
+    offered += action->text().remove(u'&').toStdString() + "|";
+  EXPECT_EQ(offered, "Copy|Find ...|Find Next|Find Previous|");
+  EXPECT_EQ(Rows().contextMenuPolicy(), Qt::ActionsContextMenu);
 }
 
 TEST_F(CTNWebBrowser2Test, EscapeClosesTheFindLineAndGivesTheFocusBack) {

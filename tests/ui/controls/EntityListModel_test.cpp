@@ -1,6 +1,7 @@
 #include "ui/controls/EntityListModel.h"
 
 #include "tests/support/TestFolder.h"
+#include "tests/ui/controls/EntityLists.h"
 
 #include <QAbstractItemModelTester>
 #include <string>
@@ -9,13 +10,6 @@
 
 namespace bomparser::test {
 namespace {
-
-std::string Entity(const std::string& value) {
-  return "<ENTITY>Part<VALUE>" + value + "</VALUE></ENTITY>";
-}
-std::string List(const std::string& entities) {
-  return "<TN_FILEPARSER_ENTITIES>" + entities + "</TN_FILEPARSER_ENTITIES>";
-}
 
 class EntityListModelTest : public TestFolder {
  protected:
@@ -106,6 +100,9 @@ TEST_F(EntityListModelTest, TheLongestRowIsKnown) {
   EXPECT_EQ(model.GetLongestRow(), 2);
   Show(List(""));
   EXPECT_EQ(model.GetLongestRow(), 1);
+  Show(List(Entity(std::string(30, 'x')) + Entity(std::string(10, '\x7F')) +
+            Entity(std::string(9, '\x01'))));
+  EXPECT_EQ(model.GetLongestRow(), 2) << "a code is shown as four characters";
 }
 
 TEST_F(EntityListModelTest, TheFileMayGoAndTheRowsStay) {
