@@ -2,6 +2,7 @@
 
 #include "ui/controls/DisplayText.h"
 #include "ui/controls/Ids.h"
+#include "ui/controls/Mnemonic.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -102,10 +103,10 @@ void CTNPropSheet::OnCurrentChanged() {
 }
 
 void CTNPropSheet::AddButtons() {
-  AddButton(SheetButton::Ok, LabelText(Msg::SheetOk));
-  AddButton(SheetButton::Cancel, LabelText(Msg::SheetCancel));
-  AddButton(SheetButton::Help, LabelText(Msg::Help));
-  if (!m_options.hideApply) AddButton(SheetButton::Apply, LabelText(Msg::SheetApply));
+  AddButton(SheetButton::Ok, WithMnemonic(Msg::SheetOk, 'O'));
+  AddButton(SheetButton::Cancel, WithMnemonic(Msg::SheetCancel, 'C'));
+  AddButton(SheetButton::Help, WithMnemonic(Msg::Help, 'H'));
+  if (!m_options.hideApply) AddButton(SheetButton::Apply, WithMnemonic(Msg::SheetApply, 'A'));
   if (!m_options.extraButton.isEmpty()) AddButton(SheetButton::Extra, m_options.extraButton);
   m_buttonRow->insertStretch(0);
 }

@@ -172,6 +172,8 @@ QWidget* CTNDlgParserAppSettings::BuildSelectButtons() {
 QWidget* CTNDlgParserAppSettings::BuildButtons() {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
                                        QDialogButtonBox::Help);
+  buttons->button(QDialogButtonBox::Ok)->setText(WithMnemonic(Msg::SheetOk, 'O'));
+  buttons->button(QDialogButtonBox::Cancel)->setText(WithMnemonic(Msg::SheetCancel, 'C'));
   SetControlId(*buttons->button(QDialogButtonBox::Ok), Ctrl::Ok);
   SetControlId(*buttons->button(QDialogButtonBox::Cancel), Ctrl::Cancel);
   SetControlId(*buttons->button(QDialogButtonBox::Help), Ctrl::Help);

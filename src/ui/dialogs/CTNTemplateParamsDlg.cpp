@@ -57,6 +57,8 @@ CTNTemplateParamsDlg::CTNTemplateParamsDlg(CTNHostApp& host, CTNParserTemplate& 
 
 void CTNTemplateParamsDlg::BuildControls() {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  buttons->button(QDialogButtonBox::Ok)->setText(WithMnemonic(Msg::SheetOk, 'O'));
+  buttons->button(QDialogButtonBox::Cancel)->setText(WithMnemonic(Msg::SheetCancel, 'C'));
   SetControlId(*buttons->button(QDialogButtonBox::Ok), Ctrl::Ok);
   SetControlId(*buttons->button(QDialogButtonBox::Cancel), Ctrl::Cancel);
   connect(buttons, &QDialogButtonBox::accepted, this, &CTNTemplateParamsDlg::accept);

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <QWhatsThis>
 
 namespace bomparser::test {
 namespace {
@@ -88,6 +89,23 @@ TEST_F(CTNDlgTest, ButtonsThatEveryDialogHasAreAskedForAsMinusTwo) {
   HelpButtonAt(*button);
   ASSERT_EQ(host.help.size(), 1U);
   EXPECT_EQ(host.help[0].pairs.front(), HelpPair(-2, -2));
+}
+
+TEST_F(CTNDlgTest, ShiftF1AsksForOneControlAndAClickEndsThat) {
+  QTest::keyClick(edit, Qt::Key_F1, Qt::ShiftModifier);
+  EXPECT_TRUE(QWhatsThis::inWhatsThisMode());
+  EXPECT_TRUE(host.help.empty());
+  HelpButtonAt(*edit);
+  EXPECT_FALSE(QWhatsThis::inWhatsThisMode());
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].control, edit);
+}
+
+TEST_F(CTNDlgTest, EveryPlaceOfTheDialogHasHelp) {
+  QHelpEvent asks(QEvent::QueryWhatsThis, QPoint(1, 1), dialog.mapToGlobal(QPoint(1, 1)));
+  asks.ignore();
+  QApplication::sendEvent(&dialog, &asks);
+  EXPECT_TRUE(asks.isAccepted());
 }
 
 TEST_F(CTNDlgTest, TheHelpKeyIsAboutTheControlThatHasTheFocus) {

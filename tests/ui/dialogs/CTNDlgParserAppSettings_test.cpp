@@ -138,6 +138,18 @@ TEST_F(CTNDlgParserAppSettingsTest, UnselectAllThenOkLetsNoEditApply) {
   Press(Ctrl::UnselectAllTriggers);
   EXPECT_TRUE(Ok());
   EXPECT_EQ(engine.GetAutoApplicationFlags(), 0U);
+  WriteFile("input.txt", "a\n");
+  std::string error;
+  bool cancelled = false;
+  ASSERT_TRUE(engine.OpenInputFile(PathOf("input.txt"), error)) << error;
+  ASSERT_TRUE(engine.ApplyTemplate(error, cancelled, ShowProgress::No)) << error;
+  constexpr std::uint32_t kEveryKindOfEdit = 1023;
+  engine.GetInputFile()->SetStale(true);  // As an edit leaves it that is not applied.
+  engine.OnTemplateChanged(ChangeKind::Modified, kEveryKindOfEdit);
+  EXPECT_TRUE(engine.GetInputFile()->IsStale());
+  engine.SetAutoApplicationFlags(1);
+  engine.OnTemplateChanged(ChangeKind::Modified, kEveryKindOfEdit);
+  EXPECT_FALSE(engine.GetInputFile()->IsStale());
 }
 
 TEST_F(CTNDlgParserAppSettingsTest, SelectAllSetsAllTen) {

@@ -255,6 +255,21 @@ TEST_F(CTNTemplateParamsDlgTest, ATitleHas255CharactersAtMost) {
             std::vector<std::string>({RangeBox("Enter no more than 255 characters.")}));
 }
 
+TEST_F(CTNTemplateParamsDlgTest, ATitleThatIsNoUtf8StaysWhatItIsUnlessItIsEdited) {
+  const std::string title = "f\xFCr";
+  document.SetTitle(title);
+  Open();
+  EXPECT_EQ(Edit(Ctrl::ParamTitle).text(), QStringLiteral("f\u00FCr"));
+  EXPECT_TRUE(Ok());
+  EXPECT_EQ(document.GetTitle(), title);
+  Open();
+  Edit(Ctrl::ParamTitle).setFocus();
+  QTest::keyClick(&Edit(Ctrl::ParamTitle), Qt::Key_End);
+  QTest::keyClicks(&Edit(Ctrl::ParamTitle), QStringLiteral("!"));
+  EXPECT_TRUE(Ok());
+  EXPECT_EQ(document.GetTitle(), "f\xC3\xBCr!");
+}
+
 TEST_F(CTNTemplateParamsDlgTest, AStoredTitleThatIsTooLongIsShownWhole) {
   document.SetTitle(std::string(300, 't'));
   Open();
