@@ -163,6 +163,7 @@ QWidget* CTNInFilePropPage::MakeStateRow() {
   layout->setContentsMargins(0, 0, 0, 0);
   m_status = new QLabel;
   SetControlId(*m_status, Ctrl::FilterStatus);
+  m_status->setTextFormat(Qt::PlainText);
   m_status->setTextInteractionFlags(Qt::NoTextInteraction);
   // A long text is cut rather than making the page wider.
   m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -229,6 +230,7 @@ void CTNInFilePropPage::ShowFilterError(const QString& error) {
 }
 
 void CTNInFilePropPage::ShowCounts() {
+  if (m_errorMark->isVisible()) return;  // Why the filter is none is of more use.
   const CTNParserInFileModel& model = m_list->GetModel();
   const bool searching = model.HasFilter() && model.IsScanning();
   m_status->setText(ToDisplayText(

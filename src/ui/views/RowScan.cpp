@@ -15,6 +15,17 @@ constexpr int kTabWidth = 10;
 
 bool IsContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
 
+/// Leaves at most so many bytes. The cut is in front of a character, not in its middle: a text that
+/// is cut short is no UTF-8.
+void CutTo(std::size_t most, std::string& bytes) {
+  if (bytes.size() <= most) return;
+  constexpr std::size_t kLongestTail = 3;
+  std::size_t end = most;
+  while (end + kLongestTail > most && IsContinuationByte(bytes[end]))
+    --end;
+  bytes.resize(end);
+}
+
 qsizetype StartOfColumn(const QString& text, int column) {
   const qsizetype start = qsizetype{column} * kColumnLength;
   if (start >= text.size()) return text.size();
@@ -47,21 +58,15 @@ QString TextOfColumn(const QString& text, int column) {
 }
 
 QString ToShownRowText(std::string bytes) {
-  if (bytes.size() > kShownBytes) {
-    // In front of a character, not in its middle: a text that is cut short is no UTF-8.
-    constexpr std::size_t kLongestTail = 3;
-    std::size_t end = kShownBytes;
-    while (end + kLongestTail > kShownBytes && IsContinuationByte(bytes[end]))
-      --end;
-    bytes.resize(end);
-  }
+  CutTo(kShownBytes, bytes);
   // A literal may hold a line feed; what it matched stays on its row.
   std::replace(bytes.begin(), bytes.end(), '\n', ' ');
   return ToDisplayText(bytes);
 }
 
 RowScan::RowScan(Task task) : m_task(std::move(task)), m_rows(*m_task.result) {
-  m_task.form.most = m_task.filter.IsActive() ? kBytesToSearch : kBytesToShow;
+  // One byte more tells that there is more.
+  m_task.form.most = m_task.filter.IsActive() ? kBytesToSearch + 1 : kBytesToShow;
   m_ofRecord.resize(m_task.result->GetLayout().Records().size(), Answer::NotAsked);
 }
 
@@ -84,6 +89,7 @@ void RowScan::Look() {
   const bool accepted = IsRecordAccepted();
   m_bytes.clear();
   m_rows.TakeText(m_bytes, m_task.form);
+  CutTo(m_task.filter.IsActive() ? kBytesToSearch : kBytesToShow, m_bytes);
   if (!accepted && !m_task.filter.Accepts(ToDisplayText(m_bytes))) return;
   if (m_task.filter.IsActive()) m_lines.push_back(line);
   Measure(line);

@@ -157,6 +157,16 @@ QAction* FindCommand(const QMenu& menu, Cmd command) {
   return nullptr;
 }
 
+void ChooseCommand(Cmd command) {
+  QMenu* const menu = OpenMenu();
+  ASSERT_NE(menu, nullptr);
+  QAction* const item = FindCommand(*menu, command);
+  ASSERT_NE(item, nullptr);
+  item->trigger();
+  menu->close();
+  Settle();
+}
+
 std::string MenuText(const QMenu& menu) {
   std::string text;
   AppendMenu(menu, "", text);

@@ -70,6 +70,9 @@ void Settle();
 QMenu* OpenMenu();
 /// The item of a menu, submenus included, that has the command; null when there is none.
 QAction* FindCommand(const QMenu& menu, Cmd command);
+/// Chooses the item of the open menu that has the command, and closes the menu; fails the test when
+/// there is none.
+void ChooseCommand(Cmd command);
 /// The menu as lines of text: "Append New", greyed ones in brackets, items of submenus indented.
 std::string MenuText(const QMenu& menu);
 /// Asks for the context menu at a point of the widget, as the mouse does.

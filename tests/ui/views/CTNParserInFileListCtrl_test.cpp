@@ -14,7 +14,6 @@
 namespace bomparser::test {
 namespace {
 
-using Lines = std::vector<int>;
 using Strings = std::vector<std::string>;
 
 class CTNParserInFileListCtrlTest : public InputViewTest {
@@ -62,13 +61,7 @@ class CTNParserInFileListCtrlTest : public InputViewTest {
   /// Opens the menu of a row, or below the last one, and chooses the item.
   void Choose(const QPoint& point, Cmd command) {
     RightClick(*list.viewport(), point);
-    QMenu* const menu = OpenMenu();
-    ASSERT_NE(menu, nullptr);
-    QAction* const item = FindCommand(*menu, command);
-    ASSERT_NE(item, nullptr);
-    item->trigger();
-    menu->close();
-    Settle();
+    ChooseCommand(command);
   }
   /// The items of the menu of a row, or of the area below the rows.
   std::string MenuAt(const QPoint& point) {
@@ -82,8 +75,8 @@ class CTNParserInFileListCtrlTest : public InputViewTest {
   }
   QPoint BelowRows() { return {20, list.viewport()->height() - 3}; }
   /// The line numbers of the selected rows.
-  Lines Selected() {
-    Lines lines;
+  LineNumbers Selected() {
+    LineNumbers lines;
     for (const int row : list.GetSelectedRows())
       lines.push_back(static_cast<int>(Model().GetLine(row)) + 1);
     return lines;
@@ -147,7 +140,7 @@ TEST_F(CTNParserInFileListCtrlTest, StaleRowsStay) {
 TEST_F(CTNParserInFileListCtrlTest, TheFlagsSayWhichKindsAreListed) {
   list.SetShowFlags(kShowUnmatched | kShowAuxiliary);
   Show(kText);
-  EXPECT_EQ(Numbers(Model()), (Lines{4, 8, 9}));
+  EXPECT_EQ(Numbers(Model()), (LineNumbers{4, 8, 9}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, RowsAreOfOneHeightAndHigherThanTheirFont) {
@@ -217,7 +210,7 @@ TEST_F(CTNParserInFileListCtrlTest, ARefillKeepsTheSelectedLinesAndReportsNothin
   list.SetShowFlags(kShowAllKinds & ~static_cast<std::uint32_t>(kShowIgnored));
   list.Fill();
   Settle();
-  EXPECT_EQ(Selected(), (Lines{3, 4, 10}));
+  EXPECT_EQ(Selected(), (LineNumbers{3, 4, 10}));
   EXPECT_EQ(Model().GetLine(list.currentIndex().row()), 9U);
   EXPECT_EQ(selected, Strings());
   EXPECT_TRUE(list.selectionModel()->isSelected(Model().index(1, 2)));
@@ -228,17 +221,17 @@ TEST_F(CTNParserInFileListCtrlTest, ASelectedLineThatIsHiddenIsNotSelected) {
   Click(3);
   list.SetShowFlags(kShowEntities);
   list.Fill();
-  EXPECT_EQ(Selected(), Lines());
+  EXPECT_EQ(Selected(), LineNumbers());
 }
 
 TEST_F(CTNParserInFileListCtrlTest, LinesBetweenSelectedOnesThatAppearAreNotSelected) {
   list.SetShowFlags(kShowEntities);
   Show(kText);
   Key(Qt::Key_A, Qt::ControlModifier);
-  ASSERT_EQ(Selected(), (Lines{2, 3, 5, 6, 7, 10}));
+  ASSERT_EQ(Selected(), (LineNumbers{2, 3, 5, 6, 7, 10}));
   list.SetShowFlags(kShowAllKinds);
   list.Fill();
-  EXPECT_EQ(Selected(), (Lines{2, 3, 5, 6, 7, 10}));
+  EXPECT_EQ(Selected(), (LineNumbers{2, 3, 5, 6, 7, 10}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, ARefillOfTheSameRowsKeepsASelectionOfAllAsOneRange) {
@@ -281,7 +274,7 @@ TEST_F(CTNParserInFileListCtrlTest, FilteredRowsThatComeLateAreSelectedAgain) {
   list.Fill();
   ASSERT_TRUE(WaitForScan(Model()));
   Settle();
-  EXPECT_EQ(Selected(), (Lines{30'002, 40'002}));
+  EXPECT_EQ(Selected(), (LineNumbers{30'002, 40'002}));
   EXPECT_EQ(selected, Strings());
 }
 
@@ -297,7 +290,7 @@ TEST_F(CTNParserInFileListCtrlTest, AFilterThatIsTakenBackBeforeItFoundAnythingL
   list.SetFilter(RowFilter());
   list.Fill();
   ASSERT_TRUE(WaitForScan(Model()));
-  EXPECT_EQ(Selected(), (Lines{21, 150'001}));
+  EXPECT_EQ(Selected(), (LineNumbers{21, 150'001}));
   Settle();
   EXPECT_EQ(selected, Strings());
 }
@@ -379,7 +372,7 @@ TEST_F(CTNParserInFileListCtrlTest, StaleResultsAreNotReported) {
   InFile().SetStale(true);
   Click(1);
   EXPECT_EQ(selected, Strings());
-  EXPECT_EQ(Selected(), (Lines{2}));
+  EXPECT_EQ(Selected(), (LineNumbers{2}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, AnArrowKeyBringsTheRowIntoSight) {
@@ -403,7 +396,7 @@ TEST_F(CTNParserInFileListCtrlTest, TypingALetterSearchesNothing) {
   Show(kText);
   Click(1);
   Key(Qt::Key_7);
-  EXPECT_EQ(Selected(), (Lines{2}));
+  EXPECT_EQ(Selected(), (LineNumbers{2}));
 }
 
 // Commands.
@@ -423,7 +416,7 @@ TEST_F(CTNParserInFileListCtrlTest, BelowTheRowsOnlyTheFileCanBeEdited) {
             "[Create New Record From Selected]\n"
             "[Test Selected For Match With Current Record]\n"
             "Edit File ...\n");
-  EXPECT_EQ(Selected(), (Lines{2}));
+  EXPECT_EQ(Selected(), (LineNumbers{2}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, WithoutAnApplicationEverythingIsGreyed) {
@@ -599,21 +592,21 @@ TEST_F(CTNParserInFileListCtrlDragTest, RowsCanBeDragged) {
 TEST_F(CTNParserInFileListCtrlTest, F8GoesToTheNextUnmatchedLineAndOnFromTheTop) {
   Show(kText);
   Key(Qt::Key_F8);
-  EXPECT_EQ(Selected(), (Lines{8}));
+  EXPECT_EQ(Selected(), (LineNumbers{8}));
   Key(Qt::Key_F8);
-  EXPECT_EQ(Selected(), (Lines{9}));
+  EXPECT_EQ(Selected(), (LineNumbers{9}));
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Down), UnmatchedFound::WentRound);
-  EXPECT_EQ(Selected(), (Lines{8}));
+  EXPECT_EQ(Selected(), (LineNumbers{8}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, ShiftF8GoesToThePreviousUnmatchedLineAndOnFromTheBottom) {
   Show(kText);
   Key(Qt::Key_F8, Qt::ShiftModifier);
-  EXPECT_EQ(Selected(), (Lines{9}));
+  EXPECT_EQ(Selected(), (LineNumbers{9}));
   Key(Qt::Key_F8, Qt::ShiftModifier);
-  EXPECT_EQ(Selected(), (Lines{8}));
+  EXPECT_EQ(Selected(), (LineNumbers{8}));
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Up), UnmatchedFound::WentRound);
-  EXPECT_EQ(Selected(), (Lines{9}));
+  EXPECT_EQ(Selected(), (LineNumbers{9}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, TheOnlyUnmatchedLineIsFoundAgain) {
@@ -621,7 +614,7 @@ TEST_F(CTNParserInFileListCtrlTest, TheOnlyUnmatchedLineIsFoundAgain) {
   Key(Qt::Key_F8);
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Down), UnmatchedFound::WentRound);
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Up), UnmatchedFound::WentRound);
-  EXPECT_EQ(Selected(), (Lines{2}));
+  EXPECT_EQ(Selected(), (LineNumbers{2}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, WithoutAnUnmatchedLineTheSelectionStays) {
@@ -629,16 +622,16 @@ TEST_F(CTNParserInFileListCtrlTest, WithoutAnUnmatchedLineTheSelectionStays) {
   Click(1);
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Down), UnmatchedFound::None);
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Up), UnmatchedFound::None);
-  EXPECT_EQ(Selected(), (Lines{2}));
+  EXPECT_EQ(Selected(), (LineNumbers{2}));
 }
 
 TEST_F(CTNParserInFileListCtrlTest, HiddenUnmatchedLinesAreSkipped) {
   list.SetFilter(RowFilter(QStringLiteral("shown"), RowFilter::Kind::Text));
   Show("\njunk\njunk shown\nR shown\njunk\njunk shown\n");
   Key(Qt::Key_F8);
-  EXPECT_EQ(Selected(), (Lines{3}));
+  EXPECT_EQ(Selected(), (LineNumbers{3}));
   Key(Qt::Key_F8);
-  EXPECT_EQ(Selected(), (Lines{6}));
+  EXPECT_EQ(Selected(), (LineNumbers{6}));
   list.SetShowFlags(kShowEntities);
   list.Fill();
   EXPECT_EQ(list.GoToUnmatched(SearchDirection::Down), UnmatchedFound::None);
@@ -652,7 +645,7 @@ TEST_F(CTNParserInFileListCtrlTest, AFarUnmatchedLineComesIntoSightAndTheHorizon
   ASSERT_TRUE(WaitForScan(Model()));
   list.horizontalScrollBar()->setValue(700);
   Key(Qt::Key_F8);
-  EXPECT_EQ(Selected(), (Lines{5002}));
+  EXPECT_EQ(Selected(), (LineNumbers{5002}));
   EXPECT_LT(list.rowViewportPosition(5001), list.viewport()->height());
   EXPECT_EQ(list.horizontalScrollBar()->value(), 700);
 }
@@ -667,7 +660,7 @@ TEST_F(CTNParserInFileListCtrlTest, RowsWhoseResultIsGoneFromTheFileStillWork) {
   Choose(PointOf(1), Cmd::TestSelected);
   EXPECT_EQ(requests, (Strings{"test R1\t10k\n"}));
   Key(Qt::Key_F8);
-  EXPECT_EQ(Selected(), (Lines{8}));
+  EXPECT_EQ(Selected(), (LineNumbers{8}));
   list.viewport()->repaint();
 }
 

@@ -10,7 +10,6 @@ namespace bomparser::test {
 namespace {
 
 using Strings = std::vector<std::string>;
-using Lines = std::vector<int>;
 
 class CTNParserInFileModelTest : public InputViewTest {
  protected:
@@ -61,7 +60,7 @@ TEST_F(CTNParserInFileModelTest, ABlockOfThreeRowsShowsItsRecordInTheFirstAndACa
 TEST_F(CTNParserInFileModelTest, WithoutIgnoredLinesTheLineNumbersStillCountThem) {
   options.kinds = kShowAllKinds & ~static_cast<std::uint32_t>(kShowIgnored);
   Show(kText);
-  EXPECT_EQ(Numbers(model), (Lines{2, 3, 4, 5, 6, 7, 8, 9, 10}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{2, 3, 4, 5, 6, 7, 8, 9, 10}));
 }
 
 TEST_F(CTNParserInFileModelTest, EveryKindIsShownByItsOwnFlag) {
@@ -71,12 +70,12 @@ TEST_F(CTNParserInFileModelTest, EveryKindIsShownByItsOwnFlag) {
     Fill();
     return Numbers(model);
   };
-  EXPECT_EQ(shown(1), (Lines{2, 3, 5, 6, 7, 10}));
-  EXPECT_EQ(shown(2), (Lines{4}));
-  EXPECT_EQ(shown(4), (Lines{8, 9}));
-  EXPECT_EQ(shown(8), (Lines{1}));
-  EXPECT_EQ(shown(0), Lines());
-  EXPECT_EQ(shown(6), (Lines{4, 8, 9}));
+  EXPECT_EQ(shown(1), (LineNumbers{2, 3, 5, 6, 7, 10}));
+  EXPECT_EQ(shown(2), (LineNumbers{4}));
+  EXPECT_EQ(shown(4), (LineNumbers{8, 9}));
+  EXPECT_EQ(shown(8), (LineNumbers{1}));
+  EXPECT_EQ(shown(0), LineNumbers());
+  EXPECT_EQ(shown(6), (LineNumbers{4, 8, 9}));
   EXPECT_EQ(shown(15).size(), 10U);
 }
 
@@ -354,22 +353,32 @@ TEST_F(CTNParserInFileModelTest, ARefillOfALargeFileKeepsItsColumnsUntilAllIsKno
 TEST_F(CTNParserInFileModelTest, AFilterLeavesTheRowsThatHaveTheText) {
   options.filter = RowFilter(QStringLiteral("2K"), RowFilter::Kind::Text);
   Show(kText);
-  EXPECT_EQ(Numbers(model), (Lines{3}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{3}));
+}
+
+TEST_F(CTNParserInFileModelTest, AFilterReadsAVeryLongLineUpToACharacter) {
+  constexpr int kLetters = 600'000;  // Of two bytes: more than is searched.
+  std::string text = "\nx";
+  for (int i = 0; i < kLetters; ++i)
+    text += "\xC3\xA9";
+  options.filter = RowFilter(QStringLiteral("\u00E9"), RowFilter::Kind::Text);
+  Show(text + "\n");
+  EXPECT_EQ(Numbers(model), (LineNumbers{2}));
 }
 
 TEST_F(CTNParserInFileModelTest, AFilterLooksAtTheMatchingRecordOfAllRowsOfABlock) {
   options.filter = RowFilter(QStringLiteral("(e2)"), RowFilter::Kind::Text);
   Show(kText);
-  EXPECT_EQ(Numbers(model), (Lines{5, 6, 7}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{5, 6, 7}));
   options.filter = RowFilter(QStringLiteral("unmatched"), RowFilter::Kind::Text);
   Fill();
-  EXPECT_EQ(Numbers(model), (Lines{8}));  // What is shown of the blank line is nothing.
+  EXPECT_EQ(Numbers(model), (LineNumbers{8}));  // What is shown of the blank line is nothing.
 }
 
 TEST_F(CTNParserInFileModelTest, AFilterLooksAtTheTextAsItIsDisplayed) {
   options.filter = RowFilter(QStringLiteral("R1      10k"), RowFilter::Kind::Text);
   Show(kText);
-  EXPECT_EQ(Numbers(model), (Lines{2}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{2}));
   options.filter = RowFilter(QStringLiteral("<NEWLINE>"), RowFilter::Kind::Text);
   Fill();
   EXPECT_EQ(model.rowCount(), 0);
@@ -381,17 +390,17 @@ TEST_F(CTNParserInFileModelTest, AFilterLooksAtTheTextAsItIsDisplayed) {
 TEST_F(CTNParserInFileModelTest, AnExpressionMatchesAnywhereUnlessItIsAnchored) {
   options.filter = RowFilter(QStringLiteral("[12]\\s"), RowFilter::Kind::Expression);
   Show(kText);
-  EXPECT_EQ(Numbers(model), (Lines{2, 3}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{2, 3}));
   options.filter = RowFilter(QStringLiteral("^r[0-9] "), RowFilter::Kind::Expression);
   Fill();
-  EXPECT_EQ(Numbers(model), (Lines{2, 3, 10}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{2, 3, 10}));
 }
 
 TEST_F(CTNParserInFileModelTest, AFilterAndTheKindsWorkTogether) {
   options.filter = RowFilter(QStringLiteral("o"), RowFilter::Kind::Text);
   options.kinds = kShowAuxiliary | kShowIgnored;
   Show(kText);
-  EXPECT_EQ(Numbers(model), (Lines{1, 4}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{1, 4}));
 }
 
 TEST_F(CTNParserInFileModelTest, OfALargeFileTheFilteredRowsComeOneAfterTheOther) {
@@ -413,7 +422,7 @@ TEST_F(CTNParserInFileModelTest, ANewFilterEndsTheSearchOfTheOneBefore) {
   Fill();
   ASSERT_TRUE(WaitForScan(model));
   Settle();
-  EXPECT_EQ(Numbers(model), (Lines{2}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{2}));
 }
 
 TEST_F(CTNParserInFileModelTest, ClearingEndsASearch) {
@@ -439,7 +448,7 @@ TEST_F(CTNParserInFileModelTest, AModelMayGoWhileItsSearchIsUnderWay) {
 TEST_F(CTNParserInFileModelTest, TheFilterFindsWhatStandsBehindTheTextShown) {
   options.filter = RowFilter(QStringLiteral("needle"), RowFilter::Kind::Text);
   Show("\n" + std::string(5000, 'x') + "needle\n");
-  EXPECT_EQ(Numbers(model), (Lines{2}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{2}));
 }
 
 // Lines and rows.
@@ -469,7 +478,7 @@ TEST_F(CTNParserInFileModelTest, UnmatchedRowsAreFoundInBothDirections) {
 TEST_F(CTNParserInFileModelTest, UnmatchedRowsThatAreHiddenAreNotFound) {
   options.filter = RowFilter(QStringLiteral("^$|R"), RowFilter::Kind::Expression);
   Show("\nR1\njunk\nR2\n\n");
-  EXPECT_EQ(Numbers(model), (Lines{1, 2, 4, 5}));
+  EXPECT_EQ(Numbers(model), (LineNumbers{1, 2, 4, 5}));
   EXPECT_EQ(model.FindUnmatched(0, 100), 3);
   EXPECT_EQ(model.FindLastUnmatched(0, 100), 3);
   EXPECT_EQ(model.FindLastUnmatched(0, 4), -1);

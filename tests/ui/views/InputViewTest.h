@@ -10,6 +10,9 @@
 
 namespace bomparser::test {
 
+/// Numbers as users see them, from 1.
+using LineNumbers = std::vector<int>;
+
 /// An engine with a small file that has rows of every kind, for views of it.
 class InputViewTest : public EngineTestIn<TestFolder> {
  protected:

@@ -194,13 +194,7 @@ class TemplateListTest : public EngineTestIn<TestFolder> {
   /// Has the command of the menu done that a right click on the row opens.
   void Command(int row, Cmd command) {
     RightClickRow(row);
-    QMenu* const menu = OpenMenu();
-    ASSERT_NE(menu, nullptr);
-    QAction* const item = FindCommand(*menu, command);
-    ASSERT_NE(item, nullptr);
-    item->trigger();
-    menu->close();
-    Settle();
+    ChooseCommand(command);
   }
   void RightClickRow(int row) {
     QWidget& viewport = *m_list->viewport();
