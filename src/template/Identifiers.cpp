@@ -2,6 +2,8 @@
 
 #include "tnbase/CharClass.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 
 namespace bomparser {
@@ -21,6 +23,14 @@ bool ReadIdentifier(std::string_view id, Msg prefix, std::size_t& index) {
   if (failure != std::errc() || stop != end) return false;
   index = number - 1;
   return true;
+}
+
+bool IsIdentifier(std::string_view word) {
+  constexpr std::array kPrefixes = {Msg::EntityIdPrefix, Msg::AuxiliaryIdPrefix,
+                                    Msg::InputFieldIdPrefix, Msg::OutputElementIdPrefix};
+  std::size_t index = 0;
+  return std::ranges::any_of(kPrefixes,
+                             [&](Msg prefix) { return ReadIdentifier(word, prefix, index); });
 }
 
 }  // namespace bomparser

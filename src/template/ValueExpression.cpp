@@ -5,6 +5,7 @@
 #include "template/CTNParserTemplate.h"
 #include "template/CTNTemplRecOutField.h"
 #include "template/CTNTemplateRecord.h"
+#include "template/Identifiers.h"
 #include "template/ValueTokens.h"
 
 #include <algorithm>
@@ -189,9 +190,10 @@ class ExpressionParser {
   std::size_t m_at = 0;
 };
 
+/// Whether a word is an identifier of nothing that there is now.
 bool HasWordsThatNameNothing(const std::vector<CTNOutFieldValueElement>& items) {
   return std::any_of(items.begin(), items.end(), [](const CTNOutFieldValueElement& item) {
-    return item.kind == ValueItemKind::StringLiteral && !item.quoted;
+    return item.kind == ValueItemKind::StringLiteral && !item.quoted && IsIdentifier(item.text);
   });
 }
 

@@ -34,6 +34,13 @@ TEST(Identifiers, AreReadInAnyCase) {
   }
 }
 
+TEST(Identifiers, AreThoseOfRecordsFieldsAndElements) {
+  for (const char* word : {"E1", "a12", "F3", "v4"})
+    EXPECT_TRUE(IsIdentifier(word)) << word;
+  for (const char* word : {"Default", "E", "E0", "F01", "V1x", "B1", "12", ""})
+    EXPECT_FALSE(IsIdentifier(word)) << word;
+}
+
 TEST(Identifiers, AreReadOnlyAsTheyAreWritten) {
   for (const std::string_view id : {"", "F", "F0", "F01", "F 1", "F-1", "F+1", "F1x", "xF1", "V1",
                                     "1", "??", "F99999999999999999999999"}) {
