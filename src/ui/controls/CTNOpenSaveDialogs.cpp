@@ -1,6 +1,7 @@
 #include "ui/controls/CTNOpenSaveDialogs.h"
 
 #include "ui/controls/DisplayText.h"
+#include "ui/controls/FileDialogLayout.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,6 +41,7 @@ CTNOpenSaveDialog::CTNOpenSaveDialog(const Kind& kind, FileDialogUse use, const 
   setDefaultSuffix(m_extension);
   const QString start = QFile::decodeName(folder.c_str());
   setDirectory(QFileInfo(start).isDir() ? start : QDir::currentPath());
+  LayOutFileDialog(*this);
 
   const QString standard = windowTitle();
   const bool replaced =

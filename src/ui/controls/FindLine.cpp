@@ -35,7 +35,8 @@ FindLine::FindLine(QWidget* parent)
   QPushButton* const close = MakeButton(Msg::FindClose, 'C', Ctrl::FindClose);
 
   auto* const layout = new QHBoxLayout(this);
-  layout->setContentsMargins({});
+  constexpr int kMargin = 6;
+  layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
   layout->addWidget(label);
   layout->addWidget(m_what, 1);
   layout->addWidget(m_outcome);

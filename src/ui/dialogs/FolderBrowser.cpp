@@ -2,6 +2,7 @@
 
 #include "ui/controls/CTNUserDialogs.h"
 #include "ui/controls/DisplayText.h"
+#include "ui/controls/FileDialogLayout.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,6 +17,7 @@ FolderBrowser::FolderBrowser(const QString& prompt, const QString& folder, QWidg
   setOption(ShowDirsOnly);
   setFileMode(Directory);
   setDirectory(QFileInfo(folder).isDir() ? folder : QDir::currentPath());
+  LayOutFileDialog(*this);
 }
 
 QString FolderBrowser::GetFolder() const {

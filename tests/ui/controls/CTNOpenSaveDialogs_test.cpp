@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTimer>
 #include <QTranslator>
+#include <QTreeView>
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -272,6 +273,20 @@ TEST_F(CTNOpenSaveDialogsTest, AnInitialPathShowsItsFolder) {
 TEST_F(CTNOpenSaveDialogsTest, AFolderThatIsGoneLeadsToTheCurrentOne) {
   const CTNTemplateOpenSaveDialog dialog(FileDialogUse::Open, PathOf("gone"));
   EXPECT_EQ(dialog.directory().path(), QDir::currentPath());
+}
+
+TEST_F(CTNOpenSaveDialogsTest, NothingOfAFileIsCut) {
+  CTNTemplateOpenSaveDialog dialog(FileDialogUse::Open, Folder());
+  Open(dialog);
+  ExpectShown(dialog, {"PLACE.XML", "more", "parts.xml"});
+  const auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+  ASSERT_NE(files, nullptr);
+  for (int column = 0; column < files->model()->columnCount(); ++column) {
+    for (int row = 0; row < files->model()->rowCount(files->rootIndex()); ++row) {
+      const QModelIndex cell = files->model()->index(row, column, files->rootIndex());
+      EXPECT_GE(files->columnWidth(column), files->sizeHintForIndex(cell).width()) << column;
+    }
+  }
 }
 
 TEST_F(CTNOpenSaveDialogsTest, EscapeChoosesNothing) {
