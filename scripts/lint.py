@@ -18,9 +18,6 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ("src", "tests", "bench", "fuzz")
 INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 HEADER = re.compile(r'^#include (?:<[^>]+>|"[^"]+\.h").*\n', re.MULTILINE)
-UNNAMED = re.compile(r"^namespace \{$(.*?)^\}  // namespace$", re.MULTILINE | re.DOTALL)
-NAME = re.compile(r"^(?:(?:class|struct|enum|enum class|union) (\w+)|using (\w+) = .*;|"
-                  r"(?!TEST|INSTANTIATE|return|using )\w[\w:<>,&*\[\] ]*[ &*>](\w+)(?:\(|\[| = |\{|;))", re.MULTILINE)
 AT_ONCE = 8
 
 
@@ -83,29 +80,13 @@ def options_of(path, command):
     return tuple(word for word in words[:output] + words[output + 2:] if word not in ("-c", str(path)))
 
 
-def own_names(path):
-    """What a file calls the things that it keeps to itself, as far as a look at its lines tells, and which they are."""
-    names = {}
-    for name in (name for inside in UNNAMED.findall(path.read_text()) for name in NAME.finditer(inside)):
-        # Alone of all things one name may be given to the same type twice.
-        names[next(filter(None, name.groups()))] = name[0] if name[2] else path
-    return names
-
-
 def batches_of(units):
-    """Files of one folder that are read alike and share no name, so many that their headers are looked at once."""
-    batches = collections.defaultdict(list)
+    """Files of one folder that are read alike, so many at a time that what they include is looked at once for all."""
+    alike = collections.defaultdict(list)
     for path, command in units.items():
-        options, names = options_of(path, command), own_names(path)
-        alike = batches[path.parent, options]
-        for paths, taken in alike:
-            if len(paths) < AT_ONCE and all(taken.get(name, what) == what for name, what in names.items()):
-                paths.append(path)
-                taken.update(names)
-                break
-        else:
-            alike.append(([path], names))
-    return [(paths, options) for (_, options), alike in batches.items() for paths, _ in alike]
+        alike[path.parent, options_of(path, command)].append(path)
+    return [(paths[first:first + AT_ONCE], options) for (_, options), paths in alike.items()
+            for first in range(0, len(paths), AT_ONCE)]
 
 
 def joined(paths):

@@ -90,13 +90,13 @@ TagList TagsOfShape(int shape) {
   static constexpr TagList kBullet = {Tag::Width, Tag::Length, Tag::Direction, Tag::Rotation};
   static constexpr TagList kText = {Tag::Text,        Tag::Font,   Tag::LineHeight, Tag::LineWidth,
                                     Tag::StrokeWidth, Tag::Mirror, Tag::Drill,      Tag::Rotation};
-  static constexpr TagList kNone = {};
+  static constexpr TagList kNoTags = {};
   static constexpr std::array<const TagList*, kLastCustomShape + 1> kByShape = {
-      &kRound,   &kRound,   &kSquare,    &kRound,   &kRectangle, &kRectangle, &kRing, &kRing,
-      &kCross,   &kNone,    &kMagnified, &kNone,    &kRound,     &kNone,      &kNone, &kOval,
+      &kRound,   &kRound,   &kSquare,    &kRound,   &kRectangle, &kRectangle, &kRing,   &kRing,
+      &kCross,   &kNoTags,  &kMagnified, &kNoTags,  &kRound,     &kNoTags,    &kNoTags, &kOval,
       &kThermal, &kThermal, &kChamfered, &kRounded, &kBullet,    &kText};
   return shape >= 0 && shape <= kLastCustomShape ? *kByShape[static_cast<std::size_t>(shape)]
-                                                 : kNone;
+                                                 : kNoTags;
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kFirst = 15;
 
-constexpr std::array<std::string_view, 7> kNames = {
+constexpr std::array<std::string_view, 7> kFormulaNames = {
     "Oval",   "Round Thermal", "Square Thermal", "Chamfered Rectangle", "Rounded Rectangle",
     "Bullet", "Text",
 };
@@ -17,10 +17,10 @@ constexpr std::array<std::string_view, 7> kNames = {
 }  // namespace
 
 std::string_view CTNFormulaCustom::GetShapeName(int index, bool /*longName*/) {
-  if (index < kFirst || static_cast<std::size_t>(index - kFirst) >= kNames.size()) {
+  if (index < kFirst || static_cast<std::size_t>(index - kFirst) >= kFormulaNames.size()) {
     return {};
   }
-  return kNames[static_cast<std::size_t>(index - kFirst)];
+  return kFormulaNames[static_cast<std::size_t>(index - kFirst)];
 }
 
 }  // namespace bomparser

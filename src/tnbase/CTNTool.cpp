@@ -7,7 +7,7 @@ namespace bomparser {
 
 namespace {
 
-constexpr std::array<std::string_view, 14> kNames = {
+constexpr std::array<std::string_view, 14> kToolNames = {
     "Round", "Octagon", "Square",  "Hexagon",   "Rectangle", "Oblong",  "Thermal",
     "Donut", "Cross",   "Complex", "Magnified", "None",      "Diamond", "Polygon",
 };
@@ -15,10 +15,10 @@ constexpr std::array<std::string_view, 14> kNames = {
 }  // namespace
 
 std::string_view CTNTool::GetStrFromShape(int index, bool /*longName*/) {
-  if (index < 0 || static_cast<std::size_t>(index) >= kNames.size()) {
+  if (index < 0 || static_cast<std::size_t>(index) >= kToolNames.size()) {
     return {};
   }
-  return kNames[static_cast<std::size_t>(index)];
+  return kToolNames[static_cast<std::size_t>(index)];
 }
 
 }  // namespace bomparser

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int kHundred = 100;
 constexpr int kWidth = 390;
-constexpr int kMargin = 10;
+constexpr int kWindowMargin = 10;
 constexpr int kBarBlocks = 20;
 // Something in the application may always have another event ready, as a timer without delay has.
 constexpr int kLongestPumpMs = 10;
@@ -74,8 +74,8 @@ void CProgressWnd::BuildControls() {
   connect(m_cancel, &QPushButton::clicked, this, &CProgressWnd::Cancel);
 
   auto* layout = new QGridLayout(this);
-  layout->setContentsMargins(kMargin, kMargin, kMargin, 2 * kMargin);
-  layout->setSpacing(kMargin);
+  layout->setContentsMargins(kWindowMargin, kWindowMargin, kWindowMargin, 2 * kWindowMargin);
+  layout->setSpacing(kWindowMargin);
   layout->addWidget(m_text, 0, 0, 1, 2);
   layout->addWidget(m_bar, 1, 0);
   layout->addWidget(m_cancel, 1, 1);

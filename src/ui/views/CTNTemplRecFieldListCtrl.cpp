@@ -15,7 +15,9 @@ namespace {
 
 using Field = CTNTemplRecInField;
 
-FieldColumn ColumnOf(const QModelIndex& cell) { return static_cast<FieldColumn>(cell.column()); }
+FieldColumn FieldColumnOf(const QModelIndex& cell) {
+  return static_cast<FieldColumn>(cell.column());
+}
 
 bool Flag(const EditedValue& value) { return value.data.toInt() != 0; }
 
@@ -106,7 +108,7 @@ std::vector<CTNTemplRecInField*> CTNTemplRecFieldListCtrl::GetSelectedFields() c
 // Editing.
 
 bool CTNTemplRecFieldListCtrl::LacksSubRecords(const QModelIndex& cell) const {
-  if (ColumnOf(cell) != FieldColumn::MatchValue || !HasEditor(cell)) return false;
+  if (FieldColumnOf(cell) != FieldColumn::MatchValue || !HasEditor(cell)) return false;
   const Field& field = *NodeAt<CTNTemplRecFieldListNode>(cell.row())->GetField();
   const CTNParserTemplate* const document = field.GetTemplate();
   return Field::IsSubRecordType(field.GetType()) &&
@@ -121,7 +123,7 @@ bool CTNTemplRecFieldListCtrl::BeginEdit(const QModelIndex& cell) {
 
 QWidget* CTNTemplRecFieldListCtrl::MakeEditor(const QModelIndex& cell, QWidget* parent) {
   const Field& field = *NodeAt<CTNTemplRecFieldListNode>(cell.row())->GetField();
-  switch (ColumnOf(cell)) {
+  switch (FieldColumnOf(cell)) {
     case FieldColumn::Type:
       return new CTNInPlaceFieldTypeComboBox(parent, cell, field.GetType());
     case FieldColumn::Required:

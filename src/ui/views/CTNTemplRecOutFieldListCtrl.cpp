@@ -14,7 +14,7 @@
 namespace bomparser {
 namespace {
 
-ElementColumn ColumnOf(const QModelIndex& cell) {
+ElementColumn ElementColumnOf(const QModelIndex& cell) {
   return static_cast<ElementColumn>(cell.column());
 }
 
@@ -80,7 +80,7 @@ std::vector<CTNTemplRecOutField*> CTNTemplRecOutFieldListCtrl::GetSelectedElemen
 QWidget* CTNTemplRecOutFieldListCtrl::MakeEditor(const QModelIndex& cell, QWidget* parent) {
   const auto node = NodeAt<CTNTemplRecOutFieldListNode>(cell.row());
   const CTNTemplRecOutField& element = *node->GetOutField();
-  if (ColumnOf(cell) == ElementColumn::Tag) {
+  if (ElementColumnOf(cell) == ElementColumn::Tag) {
     return new CTNInPlaceOutFieldKeyComboBox(parent, cell, node->GetRecord()->GetType(),
                                              element.GetTag());
   }
@@ -89,7 +89,7 @@ QWidget* CTNTemplRecOutFieldListCtrl::MakeEditor(const QModelIndex& cell, QWidge
 }
 
 bool CTNTemplRecOutFieldListCtrl::OnEndEdit(const QModelIndex& cell, const EditedValue& value) {
-  const bool isTag = ColumnOf(cell) == ElementColumn::Tag;
+  const bool isTag = ElementColumnOf(cell) == ElementColumn::Tag;
   const auto has = isTag ? HasTag : HasExpression;
   const auto set = isTag ? SetTag : SetExpression;
   bool changed = false;

@@ -11,7 +11,9 @@
 namespace bomparser {
 namespace {
 
-RecordColumn ColumnOf(const QModelIndex& cell) { return static_cast<RecordColumn>(cell.column()); }
+RecordColumn RecordColumnOf(const QModelIndex& cell) {
+  return static_cast<RecordColumn>(cell.column());
+}
 
 }  // namespace
 
@@ -62,7 +64,7 @@ void CTNTemplRecordListCtrl::ReportSelection(const QItemSelection& selected) {
 
 QWidget* CTNTemplRecordListCtrl::MakeEditor(const QModelIndex& cell, QWidget* parent) {
   const CTNTemplateRecord& record = *NodeAt<CTNTemplRecordListNode>(cell.row())->GetRecord();
-  if (ColumnOf(cell) == RecordColumn::Type) {
+  if (RecordColumnOf(cell) == RecordColumn::Type) {
     return new CTNInPlaceRecTypeComboBox(parent, cell, record.GetType());
   }
   const QString description = ToDisplayText(record.GetDescription());
@@ -73,8 +75,9 @@ QWidget* CTNTemplRecordListCtrl::MakeEditor(const QModelIndex& cell, QWidget* pa
 }
 
 bool CTNTemplRecordListCtrl::OnEndEdit(const QModelIndex& cell, const EditedValue& value) {
-  const auto set = ColumnOf(cell) == RecordColumn::Type ? &CTNTemplRecordListCtrl::SetType
-                                                        : &CTNTemplRecordListCtrl::SetDescription;
+  const auto set = RecordColumnOf(cell) == RecordColumn::Type
+                       ? &CTNTemplRecordListCtrl::SetType
+                       : &CTNTemplRecordListCtrl::SetDescription;
   const Nodes nodes = NodesToEdit<CTNTemplRecordListNode>(cell);
   bool changed = false;
   for (const auto& node : nodes)

@@ -13,8 +13,6 @@
 namespace bomparser {
 namespace {
 
-constexpr int kStateColumn = 0;
-
 bool AreNeighbours(const std::vector<int>& rows) {
   return rows.back() - rows.front() + 1 == static_cast<int>(rows.size());
 }

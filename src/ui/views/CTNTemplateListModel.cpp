@@ -11,8 +11,6 @@
 namespace bomparser {
 namespace {
 
-constexpr int kStateColumn = 0;
-
 QString StateName(ElementState state) {
   switch (state) {
     case ElementState::Invalid:

@@ -13,6 +13,9 @@ namespace bomparser {
 
 enum class Msg : std::uint32_t;
 
+/// The column of the identifiers, which shows the state as well.
+inline constexpr int kStateColumn = 0;
+
 /// The rows of a template list, a node each. Texts, colours and states are asked for when a row is
 /// painted, so that an edit needs no refilling.
 class CTNTemplateListModel final : public QAbstractTableModel {

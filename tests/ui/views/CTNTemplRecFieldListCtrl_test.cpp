@@ -10,13 +10,13 @@
 namespace bomparser::test {
 namespace {
 
-using Col = FieldColumn;
-
 constexpr const char* kLatin1 = "Gr\xF6\xDF";
 constexpr const char* kShown = "Größ";
 
 class CTNTemplRecFieldListCtrlTest : public TemplateListTest {
  protected:
+  using Col = FieldColumn;
+
   /// Shows these fields, as those of the template's first entity record.
   void Fill(const std::vector<FieldSpec>& fields) {
     record = &AddRecord(Document(), RecordKind::Part, "parts", fields);

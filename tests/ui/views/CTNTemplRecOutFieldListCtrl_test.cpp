@@ -8,14 +8,14 @@
 namespace bomparser::test {
 namespace {
 
-using Col = ElementColumn;
-
 OutputSpec Element(OutputTag tag, std::string_view expression = "F1") {
   return {tag, std::string(expression)};
 }
 
 class CTNTemplRecOutFieldListCtrlTest : public TemplateListTest {
  protected:
+  using Col = ElementColumn;
+
   /// Shows these elements, as those of a record of the type with two input fields.
   void Fill(RecordKind kind, const std::vector<OutputSpec>& elements,
             const std::string& description = "things") {

@@ -12,10 +12,10 @@
 namespace bomparser::test {
 namespace {
 
-using Col = RecordColumn;
-
 class CTNTemplRecordListCtrlTest : public TemplateListTest {
  protected:
+  using Col = RecordColumn;
+
   /// Shows the records of the page.
   void Fill(RecordPage page = RecordPage::Entity) {
     list = new CTNTemplRecordListCtrl(engine, page, kCaption);
@@ -941,6 +941,10 @@ TEST_F(CTNTemplRecordListCtrlTest, PictureWithoutStoredWidths) {
 
 class RecordListListenerTest : public CTNTemplRecordListCtrlTest {
  protected:
+  RecordListListenerTest() {
+    AddFive();
+    Fill();
+  }
   void PressMoveRelease(int row, Col column, QPoint by) {
     const QPoint p = At(row, column);
     QWidget* v = list->viewport();
@@ -950,6 +954,16 @@ class RecordListListenerTest : public CTNTemplRecordListCtrlTest {
     QApplication::sendEvent(v, &move);
     QTest::mouseRelease(v, Qt::LeftButton, Qt::NoModifier, p + by);
     Settle();
+  }
+  /// Replaces the description of the second record by "X" in its editor, and presses the key.
+  void TypeX(Qt::Key key, Qt::KeyboardModifiers keys = Qt::NoModifier) {
+    TypeX();
+    QTest::keyClick(list->GetEditor(), key, keys);
+    Settle();
+  }
+  void TypeX() {
+    ASSERT_NE(OpenText(1, Col::Description), nullptr);
+    QTest::keyClicks(list->GetEditor(), "X");
   }
   /// Whoever is told of an edit runs events, in which other rows come to be shown.
   void ReplaceTemplateWhileTold() {
@@ -966,39 +980,24 @@ class RecordListListenerTest : public CTNTemplRecordListCtrlTest {
 };
 
 TEST_F(RecordListListenerTest, AClickThatJittersOpensTheEditor) {
-  AddFive();
-  Fill();
   PressMoveRelease(1, Col::Description, {1, 0});
   EXPECT_TRUE(list->IsEditing());
 }
 
 TEST_F(RecordListListenerTest, DownInATextEditorLeavesTheListAlone) {
-  AddFive();
-  Fill();
   ClickRows({0, 1, 2});
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  ASSERT_NE(edit, nullptr);
-  QTest::keyClicks(edit, "X");
-  QTest::keyClick(edit, Qt::Key_Down);
-  Settle();
+  TypeX(Qt::Key_Down);
   EXPECT_TRUE(list->IsEditing());
   EXPECT_EQ(Descriptions(), (Lines{"one", "two", "three", "four", "five"}));
   EXPECT_EQ(list->GetSelectedRows().size(), 3U);
 }
 
 TEST_F(RecordListListenerTest, PageDownInATextEditorLeavesTheListAlone) {
-  AddFive();
-  Fill();
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  ASSERT_NE(edit, nullptr);
-  QTest::keyClicks(edit, "X");
-  QTest::keyClick(edit, Qt::Key_PageDown);
-  Settle();
+  TypeX(Qt::Key_PageDown);
   EXPECT_TRUE(list->IsEditing());
 }
 
 TEST_F(RecordListListenerTest, ABoxLeftByEscapeChangesNothingLater) {
-  AddFive();
   Entity(1).SetType(RecordKind::Part);
   Fill();
   ClickRows({0, 1, 2});
@@ -1014,8 +1013,6 @@ TEST_F(RecordListListenerTest, ABoxLeftByEscapeChangesNothingLater) {
 }
 
 TEST_F(RecordListListenerTest, ADoubleClickWithControlOpensNothing) {
-  AddFive();
-  Fill();
   QWidget* v = list->viewport();
   Click(1, Col::Description, Qt::ControlModifier);
   EXPECT_FALSE(list->IsEditing());
@@ -1026,8 +1023,6 @@ TEST_F(RecordListListenerTest, ADoubleClickWithControlOpensNothing) {
 }
 
 TEST_F(RecordListListenerTest, EnterGivesTheFocusBackAlsoWhenOtherRowsAreShown) {
-  AddFive();
-  Fill();
   QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, list, [this] {
     Document().DeleteRecord(&Entity(4));
     list->ShowRecords();
@@ -1040,42 +1035,25 @@ TEST_F(RecordListListenerTest, EnterGivesTheFocusBackAlsoWhenOtherRowsAreShown) 
 }
 
 TEST_F(RecordListListenerTest, AListMayBeDeletedByWhoeverIsToldOfAnEdit) {
-  AddFive();
-  Fill();
   QObject::connect(list, &CTNTemplateListCtrl::TemplateEdited, &window, [this] { delete list; });
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  ASSERT_NE(edit, nullptr);
-  QTest::keyClicks(edit, "X");
-  QTest::keyClick(edit, Qt::Key_Return);
-  Settle();
+  TypeX(Qt::Key_Return);
   EXPECT_EQ(Entity(1).GetDescription(), "X");
 }
 
 TEST_F(RecordListListenerTest, AListMayBeDeletedByWhoeverIsAskedToRepaint) {
-  AddFive();
-  Fill();
   QObject::connect(list, &CTNTemplateListCtrl::RepaintWanted, &window, [this] { delete list; });
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  ASSERT_NE(edit, nullptr);
-  QTest::keyClicks(edit, "X");
-  QTest::keyClick(edit, Qt::Key_Return);
-  Settle();
+  TypeX(Qt::Key_Return);
   EXPECT_EQ(Entity(1).GetDescription(), "X");
 }
 
 TEST_F(RecordListListenerTest, AListMayBeDeletedWithATextEditorOpen) {
-  AddFive();
-  Fill();
-  ASSERT_NE(OpenText(1, Col::Description), nullptr);
-  QTest::keyClicks(list->GetEditor(), "X");
+  TypeX();
   delete list;
   Settle();
   EXPECT_EQ(Entity(1).GetDescription(), "two");
 }
 
 TEST_F(RecordListListenerTest, AListMayBeDeletedWithABoxOpen) {
-  AddFive();
-  Fill();
   ASSERT_NE(OpenCombo(1, Col::Type), nullptr);
   delete list;
   Settle();
@@ -1083,10 +1061,7 @@ TEST_F(RecordListListenerTest, AListMayBeDeletedWithABoxOpen) {
 }
 
 TEST_F(RecordListListenerTest, AListThatIsHiddenAppliesItsOpenEdit) {
-  AddFive();
-  Fill();
-  ASSERT_NE(OpenText(1, Col::Description), nullptr);
-  QTest::keyClicks(list->GetEditor(), "X");
+  TypeX();
   list->hide();
   Settle();
   EXPECT_EQ(Entity(1).GetDescription(), "X");
@@ -1094,58 +1069,36 @@ TEST_F(RecordListListenerTest, AListThatIsHiddenAppliesItsOpenEdit) {
 }
 
 TEST_F(RecordListListenerTest, AnEditorOutlivesTheReportThatReplacesItsRow) {
-  AddFive();
-  Fill();
   ReplaceTemplateWhileTold();
   Choose(1, Col::Type, "Part");
   EXPECT_EQ(list->model()->rowCount(), 0);
 }
 
 TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterEnter) {
-  AddFive();
-  Fill();
   ReplaceTemplateWhileTold();
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  QTest::keyClicks(edit, "X");
-  QTest::keyPress(edit, Qt::Key_Return);
-  Settle();
+  TypeX(Qt::Key_Return);
   EXPECT_EQ(list->model()->rowCount(), 0);
 }
 
 TEST_F(RecordListListenerTest, WhoeverIsToldMayRunEventsAfterALossOfTheFocus) {
-  AddFive();
-  Fill();
   ReplaceTemplateWhileTold();
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  QTest::keyClicks(edit, "X");
+  TypeX();
   neighbour->setFocus();
   Settle();
   EXPECT_EQ(list->model()->rowCount(), 0);
 }
 
 TEST_F(RecordListListenerTest, KeysWithControlStayInTheEditor) {
-  AddFive();
-  Fill();
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  QTest::keyClicks(edit, "X");
-  QTest::keyClick(edit, Qt::Key_Down, Qt::ControlModifier);
-  Settle();
+  TypeX(Qt::Key_Down, Qt::ControlModifier);
   EXPECT_TRUE(list->IsEditing());
 }
 
 TEST_F(RecordListListenerTest, F2InATextEditorEndsNothing) {
-  AddFive();
-  Fill();
-  CTNInPlaceEdit* edit = OpenText(1, Col::Description);
-  QTest::keyClicks(edit, "X");
-  QTest::keyClick(edit, Qt::Key_F2);
-  Settle();
+  TypeX(Qt::Key_F2);
   EXPECT_EQ(Entity(1).GetDescription(), "two");
 }
 
 TEST_F(RecordListListenerTest, TabInADropDownEndsTheEdit) {
-  AddFive();
-  Fill();
   ClickRows({0, 1});
   CTNParserComboBox* box = OpenCombo(1, Col::Type);
   ASSERT_NE(box, nullptr);

@@ -16,7 +16,7 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-std::string Lines(std::size_t count, const std::string& line = "x\n") {
+std::string ManyLines(std::size_t count, const std::string& line = "x\n") {
   std::string text;
   for (std::size_t i = 0; i < count; ++i)
     text += line;
@@ -141,21 +141,21 @@ TEST_F(CTNParserInFileTest, ALastLineWithoutLineFeedGetsOne) {
 
 TEST_F(CTNParserInFileTest, APieceCountThatIsAMultipleOf256GetsNoLineFeed) {
   for (const std::size_t pieces : {256u, 512u}) {
-    ReadText(Lines(pieces - 1) + "last");
-    EXPECT_EQ(Text(), Lines(pieces - 1) + "last");
+    ReadText(ManyLines(pieces - 1) + "last");
+    EXPECT_EQ(Text(), ManyLines(pieces - 1) + "last");
     EXPECT_EQ(End(), Text().size());
     EXPECT_EQ(file.CountPieces(), pieces);
   }
   for (const std::size_t pieces : {254u, 255u, 257u}) {
-    ReadText(Lines(pieces - 1) + "last");
-    EXPECT_EQ(Text(), Lines(pieces - 1) + "last\n");
+    ReadText(ManyLines(pieces - 1) + "last");
+    EXPECT_EQ(Text(), ManyLines(pieces - 1) + "last\n");
     EXPECT_EQ(file.CountPieces(), pieces);
   }
 }
 
 TEST_F(CTNParserInFileTest, TheMultipleOf256IsCountedInPiecesNotInLines) {
   // 254 lines and a line of two pieces: 256 pieces in 255 lines.
-  const std::string text = Lines(254) + std::string(300, 'y');
+  const std::string text = ManyLines(254) + std::string(300, 'y');
   ReadText(text);
   EXPECT_EQ(Text(), text);
 }
@@ -366,7 +366,7 @@ TEST_F(CTNParserInFileTest, LeadingLinesMayReachBehindTheEndLimit) {
 }
 
 TEST_F(CTNParserInFileTest, AnOpenLastLineThatGetsNoLineFeedIsABlockWithoutRecord) {
-  OpenFile(Lines(255) + "last");
+  OpenFile(ManyLines(255) + "last");
   templ.limits.ignoreAfter = 255;
   EXPECT_EQ(Outcome(Apply()), "done applied");
   EXPECT_EQ(Blocks().back(), "{}");

@@ -20,7 +20,7 @@ std::string Next(CTNStringCharBuffIter& text) {
   return read ? std::string(1, c) : "end " + std::to_string(static_cast<unsigned char>(c));
 }
 
-std::vector<std::string> Lines(CTNStringCharBuffIter& text) {
+std::vector<std::string> AllLines(CTNStringCharBuffIter& text) {
   std::vector<std::string> lines;
   for (std::string line; text.ReadLine(line);)
     lines.push_back(line);
@@ -114,7 +114,7 @@ TEST(CTNStringCharBuffIter, SetPositionIsNotBoundedAndReadsBehindTheEndFail) {
 
 TEST(CTNStringCharBuffIter, ReadLineKeepsTheLineFeedAndGivesAnOpenLastLineWithoutOne) {
   CTNStringCharBuffIter text("x\ny");
-  EXPECT_EQ(Lines(text), (std::vector<std::string>{"x\n", "y"}));
+  EXPECT_EQ(AllLines(text), (std::vector<std::string>{"x\n", "y"}));
   std::string line = "old";
   EXPECT_FALSE(text.ReadLine(line));
   EXPECT_EQ(line, "");
@@ -124,18 +124,18 @@ TEST(CTNStringCharBuffIter, ReadLineReadsPastTheEndLimit) {
   CTNStringCharBuffIter text("abc\nd");
   text.SetEnd(1);
   EXPECT_EQ(text.GetEnd(), 1u);
-  EXPECT_EQ(Lines(text), (std::vector<std::string>{"abc\n", "d"}));
+  EXPECT_EQ(AllLines(text), (std::vector<std::string>{"abc\n", "d"}));
 }
 
 TEST(CTNStringCharBuffIter, ReadsNulAndBytesAbove127AsTheyAre) {
   CTNStringCharBuffIter text(std::string_view("\0\xFF\r\n\n", 5));
-  EXPECT_EQ(Lines(text), (std::vector<std::string>{std::string("\0\xFF\r\n", 4), "\n"}));
+  EXPECT_EQ(AllLines(text), (std::vector<std::string>{std::string("\0\xFF\r\n", 4), "\n"}));
 }
 
 TEST(CTNStringCharBuffIter, AnEmptyTextHasNothingToRead) {
   CTNStringCharBuffIter text;
   EXPECT_EQ(text.GetEnd(), 0u);
-  EXPECT_EQ(Lines(text), std::vector<std::string>());
+  EXPECT_EQ(AllLines(text), std::vector<std::string>());
 }
 
 TEST(CTNStringCharBuffIter, TheUnusedHookDoesNothing) {

@@ -16,13 +16,13 @@
 namespace bomparser {
 namespace {
 
-constexpr std::size_t kSlack = 65;
+constexpr std::size_t kSlackOfPage = 65;
 
 class MappedFileTest : public TestFolder {
  protected:
   bool Map(MappedFile& file, std::size_t size) {
     const int handle = ::open(PathOf("in").c_str(), O_RDONLY | O_CLOEXEC);
-    const bool mapped = file.Map(handle, size, kSlack);
+    const bool mapped = file.Map(handle, size, kSlackOfPage);
     ::close(handle);
     return mapped;
   }
@@ -34,16 +34,16 @@ class MappedFileTest : public TestFolder {
 const auto kPage = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 
 TEST_F(MappedFileTest, HoldsTheFileAndRoomBehindItWhateverItsSize) {
-  for (const std::size_t size :
-       {kPage + 1, 2 * kPage - kSlack, 2 * kPage - 1, 2 * kPage, 2 * kPage + 1, 100 * kPage - 7}) {
+  for (const std::size_t size : {kPage + 1, 2 * kPage - kSlackOfPage, 2 * kPage - 1, 2 * kPage,
+                                 2 * kPage + 1, 100 * kPage - 7}) {
     const std::string text(size, 'x');
     WriteFile("in", text);
     MappedFile file;
     ASSERT_TRUE(Map(file, size));
     EXPECT_EQ(Bytes(file, size), text);
-    for (std::size_t i = 0; i < kSlack; ++i)
+    for (std::size_t i = 0; i < kSlackOfPage; ++i)
       file.Data()[size + i] = '!';
-    EXPECT_EQ(Bytes(file, size + kSlack), text + std::string(kSlack, '!'));
+    EXPECT_EQ(Bytes(file, size + kSlackOfPage), text + std::string(kSlackOfPage, '!'));
     EXPECT_FALSE(file.IsCutShort());
   }
 }
@@ -144,7 +144,7 @@ TEST_F(MappedFileTest, AShortFileAndWhatIsNoFileAreNotMapped) {
   EXPECT_FALSE(Map(file, 0));
   EXPECT_FALSE(Map(file, kPage));
   EXPECT_FALSE(Map(file, 10 * kPage));
-  EXPECT_FALSE(file.Map(-1, 10 * kPage, kSlack));
+  EXPECT_FALSE(file.Map(-1, 10 * kPage, kSlackOfPage));
   EXPECT_FALSE(file.IsMapped());
 }
 
