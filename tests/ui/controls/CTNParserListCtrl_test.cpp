@@ -594,6 +594,25 @@ TEST_F(CTNParserListCtrlTest, DraggingOverTheFirstOrLastVisibleRowScrollsByOneRo
   EXPECT_EQ(hover(1), 0);
 }
 
+TEST_F(CTNParserListCtrlTest, ALineShowsWhereADropWouldInsert) {
+  list->accepts = list;
+  const auto pixels = [this] { return list->viewport()->grab().toImage(); };
+  const QImage before = pixels();
+  DraggedRows rows(*list);
+  const QRect second = list->visualRect(list->words.index(1, 0));
+  QDragEnterEvent enter(second.center(), Qt::MoveAction, &rows, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(list->viewport(), &enter);
+  QDragMoveEvent move(second.center(), Qt::MoveAction, &rows, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(list->viewport(), &move);
+  const QColor line = list->palette().color(QPalette::Highlight);
+  const QPoint end(list->viewport()->width() - 3, second.top());
+  EXPECT_EQ(pixels().pixelColor(end), line);
+  EXPECT_NE(before.pixelColor(end), line);
+  QDragLeaveEvent leave;
+  QApplication::sendEvent(list->viewport(), &leave);
+  EXPECT_EQ(pixels(), before);
+}
+
 TEST_F(CTNParserListCtrlTest, ADropOfAListThatIsGoneIsRefused) {
   auto gone = std::make_unique<WordList>();
   DraggedRows rows(*gone);
@@ -620,6 +639,8 @@ TEST_F(CTNParserListCtrlTest, ColumnsWithoutAUsableStoredWidthAreTold) {
   EXPECT_EQ(list->RestoreColumnWidths(host, "K"), std::vector<int>({0, 1, 2}));
   host.profile["BOM Parser/K"] = "61,x";
   EXPECT_EQ(list->RestoreColumnWidths(host, "K"), std::vector<int>({1, 2}));
+  host.profile["BOM Parser/K"] = "10001,-5,10000";
+  EXPECT_EQ(list->RestoreColumnWidths(host, "K"), std::vector<int>({0, 1}));
   host.profile["BOM Parser/K"] = "0,-5,999999999999";
   EXPECT_EQ(list->RestoreColumnWidths(host, "K"), std::vector<int>({0, 1, 2}));
 }

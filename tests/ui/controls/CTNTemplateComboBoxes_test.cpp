@@ -219,6 +219,10 @@ TEST(CTNAperRecDescComboBoxTest, ADescriptionThatNamesNoShapeAddsUndefinedAndSho
 TEST(CTNAperRecDescComboBoxTest, UndefinedIsNoCurrentValueSoLeavingTheBoxKeepsTheDescription) {
   EXPECT_FALSE(Filled<CTNAperRecDescComboBox>("pads")->HasCurrentValue());
   EXPECT_TRUE(Filled<CTNAperRecDescComboBox>("Oval")->HasCurrentValue());
+  const QString name = Filled<CTNAperRecDescComboBox>("")->itemText(0);
+  const auto first = Filled<CTNAperRecDescComboBox>(name);
+  EXPECT_EQ(first->currentIndex(), 0);
+  EXPECT_TRUE(first->HasCurrentValue());
 
   QStandardItemModel cells(1, 1);
   EditedValue value;

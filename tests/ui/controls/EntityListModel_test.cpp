@@ -150,6 +150,12 @@ TEST_F(EntityListModelTest, FindsTextsInEitherEncoding) {
   EXPECT_EQ(Find(0, "\u00e4", SearchDirection::Up), -1);
 }
 
+TEST_F(EntityListModelTest, FindsLettersOfTheOldEncodingFromTheFirstOn) {
+  Show("plain\n1 \x80\nplain\n2 \x80");
+  EXPECT_EQ(Find(0, "\u20ac"), 1);
+  EXPECT_EQ(Find(0, "\u20ac", SearchDirection::Up), 3);
+}
+
 TEST_F(EntityListModelTest, ATextOverTheEndOfARowIsInNoRow) {
   Show(List(Entity("a") + Entity("b")));
   EXPECT_EQ(Find(0, "</ENTITY><ENTITY>"), -1);

@@ -205,6 +205,16 @@ TEST_F(CTNTemplateParamsDlgTest, AScaleComesBackAsItWas) {
   }
 }
 
+TEST_F(CTNTemplateParamsDlgTest, OnlyScalesFarFromOneHaveAnExponent) {
+  const std::vector<std::pair<double, std::string>> texts = {
+      {0.000001, "0.000001"}, {1e-7, "1e-07"}, {1e14, "100000000000000"}, {1e16, "1e+16"}};
+  for (const auto& [scale, text] : texts) {
+    document.SetScaleFactor(scale);
+    Open();
+    EXPECT_EQ(Edit(Ctrl::ParamScale).text().toStdString(), text);
+  }
+}
+
 TEST_F(CTNTemplateParamsDlgTest, NumbersAreReadWithoutTheLocale) {
   const QLocale before;
   QLocale::setDefault(QLocale(QLocale::German));

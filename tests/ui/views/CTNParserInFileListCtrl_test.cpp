@@ -158,6 +158,16 @@ TEST_F(CTNParserInFileListCtrlTest, TextColumnsHaveAFixedPitchAndTheOthersHaveNo
   EXPECT_FALSE(Model().index(0, 1).data(Qt::FontRole).isValid());
 }
 
+TEST_F(CTNParserInFileListCtrlTest, TextsFollowTheSizeOfTheFont) {
+  Show(kText);
+  const int width = list.columnWidth(2);
+  QFont large = list.font();
+  large.setPointSizeF(2 * large.pointSizeF());
+  list.setFont(large);
+  EXPECT_EQ(Model().GetTextFont().pointSizeF(), large.pointSizeF());
+  EXPECT_GT(list.columnWidth(2), width);
+}
+
 TEST_F(CTNParserInFileListCtrlTest, TheTextColumnIsAsWideAsItsWidestText) {
   Show("\nR1\nR" + std::string(99, '1') + "\n");
   const QFontMetrics metrics(Model().GetTextFont());

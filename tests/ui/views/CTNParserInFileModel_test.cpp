@@ -331,6 +331,14 @@ TEST_F(CTNParserInFileModelTest, TheSameWidestRowsAreFoundWithAndWithoutShortcut
     EXPECT_EQ(quick[i].width, model.GetWidest()[i].width);
 }
 
+TEST_F(CTNParserInFileModelTest, AShortRowMayBeTheWidestWithItsMarkup) {
+  const std::string shorter(50, 'u');
+  options.markup = Markup::On;
+  Show("\n" + shorter + "\nR1\n");
+  EXPECT_EQ(model.GetWidest()[0].line, 2U);
+  EXPECT_GT(model.GetWidest()[0].width, 50);
+}
+
 TEST_F(CTNParserInFileModelTest, ARefillOfALargeFileKeepsItsColumnsUntilAllIsKnown) {
   ApplyTo(ManyLines(20'000, 1000) + "R" + std::string(300, 'w') + "\n");
   Fill();
