@@ -172,21 +172,23 @@ std::string CTNFileParserEngine::SideCopyName() const {
 
 void CTNFileParserEngine::OweSideCopy() {
   std::string nobodyToTell;
-  Guard(nobodyToTell, [this] {
+  const bool noted = Guard(nobodyToTell, [this] {
     OwedCopy owed{SideCopyName(), EntityListWriter(m_inputFile->GetBlocks().GetResult(), false)};
     // The new copy takes the place of an older one of the same name only.
     if (m_owedCopy && m_owedCopy->name != owed.name) WriteOwedSideCopy();
     m_owedCopy = std::make_unique<OwedCopy>(std::move(owed));
     return true;
   });
+  // No copy at all rather than that of an earlier application.
+  if (!noted) DeleteSideCopy(nobodyToTell);
 }
 
 void CTNFileParserEngine::WriteOwedSideCopy(const std::function<bool()>& mayGoOn) {
   if (!m_owedCopy) return;
   bool putOff = false;
   std::string nobodyToTell;
-  Guard(nobodyToTell, [&] {
-    std::string folder;
+  std::string folder;
+  const bool written = Guard(nobodyToTell, [&] {
     AtomicFile file;
     const auto write = [&](std::string_view piece) {
       putOff = mayGoOn && !mayGoOn();
@@ -197,8 +199,16 @@ void CTNFileParserEngine::WriteOwedSideCopy(const std::function<bool()>& mayGoOn
                      nobodyToTell) &&
            m_owedCopy->list.Write(write) && file.Commit(nobodyToTell);
   });
-  // Whether it could be written is of no consequence: the page that shows it says so.
-  if (!putOff) m_owedCopy = nullptr;
+  if (putOff) return;
+  if (!written) {
+    // The page that shows it says that there is none; one of an earlier application would pass for
+    // it.
+    Guard(nobodyToTell, [&] {
+      std::error_code ignored;
+      return folder.empty() || std::filesystem::remove(folder + '/' + m_owedCopy->name, ignored);
+    });
+  }
+  m_owedCopy = nullptr;
 }
 
 bool CTNFileParserEngine::GetSideCopyPath(std::string& path, std::string& error) {

@@ -3,8 +3,10 @@
 #include "ui/controls/Ids.h"
 #include "ui/controls/Mnemonic.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDeadlineTimer>
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QGuiApplication>
@@ -88,6 +90,7 @@ void CProgressWnd::Create(QWidget* parent, const QString& title, BarLook look) {
             Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
                 Qt::WindowStaysOnTopHint);
   m_caption = title;
+  m_percentShown.reset();
   m_look = look;
   m_created = true;
   setWindowTitle(m_caption);
@@ -194,7 +197,11 @@ void CProgressWnd::PeekAndPump(EscapeKey escape) {
   m_pumping = true;
   if (escape == EscapeKey::Cancels) qApp->installEventFilter(this);
   const QPointer<CProgressWnd> alive(this);  // Its parent may be closed for good meanwhile.
-  QCoreApplication::processEvents(QEventLoop::AllEvents, kLongestPumpMs);
+  const QDeadlineTimer deadline(kLongestPumpMs);
+  // A round at a time: what comes behind a cancel waits.
+  while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) {
+    if (alive.isNull() || m_cancelled || deadline.hasExpired()) break;
+  }
   if (alive.isNull()) return;
   qApp->removeEventFilter(this);
   m_pumping = false;

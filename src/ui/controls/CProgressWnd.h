@@ -48,8 +48,8 @@ class CProgressWnd final : public QWidget {
   /// Back to the start: no text, position 0, not cancelled.
   void Clear();
   bool Cancelled() const { return m_cancelled; }
-  /// Handles the events that wait, and returns as soon as the window is cancelled. A modal window
-  /// takes the focus first.
+  /// Handles the events that wait, round by round, for some milliseconds at most; no more rounds
+  /// once the window is cancelled. A modal window takes the focus first.
   void PeekAndPump(EscapeKey escape);
   /// Cancels and hides the window; a modal one gives the parent back to the user.
   void Cancel();

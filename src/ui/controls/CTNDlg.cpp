@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
+#include <QDialogButtonBox>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QWhatsThis>
@@ -40,6 +41,13 @@ bool IsPartOfControl(const QWidget& part) {
          qobject_cast<const QAbstractSpinBox*>(whole) != nullptr;
 }
 
+/// What holds the controls of a layout together is none itself.
+bool IsOnlyContainer(const QWidget& widget) {
+  const QMetaObject* const type = widget.metaObject();
+  return !HasNumber(widget) &&
+         (type == &QWidget::staticMetaObject || type == &QDialogButtonBox::staticMetaObject);
+}
+
 bool IsTabStop(const QWidget& control) {
   return (control.focusPolicy() & Qt::TabFocus) != 0 && control.isVisible() &&
          control.isEnabled() && HasNumber(control);
@@ -53,10 +61,14 @@ CTNDlg::CTNDlg(CTNHostApp& host, DialogId number, QWidget* parent) : QDialog(par
 }
 
 QWidget* CTNDlg::ControlAt(const QPoint& point) {
-  if (QWidget* control = childAt(point)) return control;
+  const auto controlAt = [this, &point]() -> QWidget* {
+    QWidget* const child = childAt(point);
+    return child != nullptr && IsOnlyContainer(*child) ? nullptr : child;
+  };
+  if (QWidget* control = controlAt()) return control;
   // A control may be about to appear: one look more once everything that waits is done.
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-  return childAt(point);
+  return controlAt();
 }
 
 QWidget* CTNDlg::OrNextWithNumber(QWidget* control) {

@@ -10,11 +10,19 @@
 #include <QPointer>
 #include <QTimer>
 #include <algorithm>
+#include <array>
 
 namespace bomparser {
 namespace {
 
 bool IsTab(int key) { return key == Qt::Key_Tab || key == Qt::Key_Backtab; }
+
+/// Keys that mean nothing to a closed box: help is the dialog's, a modifier alone is nothing yet.
+bool IsForOthers(int key) {
+  constexpr std::array kKeys = {Qt::Key_F1,   Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt,
+                                Qt::Key_Meta, Qt::Key_AltGr, Qt::Key_Menu,    Qt::Key_CapsLock};
+  return std::ranges::find(kKeys, key) != kKeys.end();
+}
 
 constexpr int kMostRows = 22;  // The box and its entries.
 
@@ -28,8 +36,8 @@ int DropDownWidth(CTNParserComboBox& box, int cellWidth) {
   constexpr int kBorder = 8;
   const int width = box.GetLongestEntryWidth() + kBorder;
   if (cellWidth >= width) return width;
-  // A drop-down wider than its cell keeps a decent width even when all entries are short: an entry
-  // that is there for the sizing alone.
+  // A drop-down wider than its cell is measured once more with an entry that is there for the
+  // sizing alone: boxes that measure their entries keep a decent width when all are short.
   box.addItem(QStringLiteral("ZZZZZZZZZZZZZZZ"));
   const int probed = box.GetLongestEntryWidth() + kBorder;
   box.removeItem(box.count() - 1);
@@ -87,9 +95,7 @@ bool CTNInPlaceDelegate::eventFilter(QObject* watched, QEvent* event) {
       const int key = static_cast<QKeyEvent*>(event)->key();
       m_escaped = key == Qt::Key_Escape;
       if (event->type() == QEvent::KeyPress && box != nullptr && IsTab(key)) {
-        box->setCurrentIndex(box->view()->currentIndex().row());
-        box->hidePopup();
-        emit box->activated(box->currentIndex());
+        LeaveDropDown(box);
         return true;
       }
     } else if (event->type() == QEvent::Hide && watched->isWidgetType() && box != nullptr &&
@@ -119,6 +125,19 @@ bool CTNInPlaceDelegate::eventFilter(QObject* watched, QEvent* event) {
   }
 }
 
+/// Tab chooses the entry that the user went to; who went to none leaves the box as it is.
+void CTNInPlaceDelegate::LeaveDropDown(CTNParserComboBox* box) {
+  const int entry = box->view()->currentIndex().row();
+  const bool chosen = entry != box->currentIndex();
+  if (chosen) box->setCurrentIndex(entry);
+  box->hidePopup();
+  if (chosen) {
+    emit box->activated(entry);
+  } else {
+    QTimer::singleShot(0, box, [this, box] { End(box); });
+  }
+}
+
 bool CTNInPlaceDelegate::OnKey(QWidget* editor, int key) {
   auto* const box = qobject_cast<CTNParserComboBox*>(editor);
   switch (key) {
@@ -142,7 +161,7 @@ bool CTNInPlaceDelegate::OnKey(QWidget* editor, int key) {
       }
       return true;
     default:
-      if (box == nullptr) return false;
+      if (box == nullptr || IsForOthers(key)) return false;
       // Keys choose in the open list only, where they can be taken back.
       m_escaped = false;
       box->showPopup();

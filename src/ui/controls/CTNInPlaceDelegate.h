@@ -34,6 +34,7 @@ class CTNInPlaceDelegate final : public QStyledItemDelegate {
   void Drop(QWidget* editor);
 
  private:
+  void LeaveDropDown(CTNParserComboBox* box);
   bool OnKey(QWidget* editor, int key);
   void OnFocusLost(QWidget* editor);
   void OnDropDownClosed(CTNParserComboBox* box);

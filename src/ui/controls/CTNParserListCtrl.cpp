@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QDragMoveEvent>
@@ -15,6 +16,8 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPixmap>
+#include <QRegion>
 #include <QScrollBar>
 #include <algorithm>
 #include <new>
@@ -178,10 +181,13 @@ bool CTNParserListCtrl::StoreColumnWidths(CTNHostApp& host, std::string_view key
 
 bool CTNParserListCtrl::BeginEdit(const QModelIndex& cell) {
   if (!cell.isValid() || !HasEditor(cell)) return false;
+  if (isRowHidden(cell.row()) || isColumnHidden(cell.column())) return false;
   if (IsEditing()) {
     const QPersistentModelIndex kept(cell);  // Ending the other edit may fill the list anew.
+    const QPointer<CTNParserListCtrl> alive(this);
     EndEdit();
-    return kept.isValid() && BeginEdit(kept);
+    // It stays open when its value was refused, and while whoever is told of it is not done.
+    return !alive.isNull() && !IsEditing() && kept.isValid() && BeginEdit(kept);
   }
   scrollTo(cell);
   if (!edit(cell, AllEditTriggers, nullptr) || m_editor.isNull()) return false;
@@ -225,7 +231,11 @@ void CTNParserListCtrl::commitData(QWidget* editor) {
   auto* const value = dynamic_cast<CTNInPlaceEditor*>(editor);
   EditedValue edited;
   m_refused = false;
-  if (value == nullptr || !m_edited.isValid() || !value->GetValue(edited)) return;
+  if (value == nullptr || !m_edited.isValid()) return;
+  if (!value->GetValue(edited)) {
+    OnLeftWithoutValue();
+    return;
+  }
 
   const QPointer<CTNParserListCtrl> alive(this);
   const bool hadFocus = editor->hasFocus();
@@ -233,7 +243,8 @@ void CTNParserListCtrl::commitData(QWidget* editor) {
   const bool accepted = OnEndEdit(m_edited, edited);
   if (alive.isNull()) return;
   m_reporting = false;
-  m_refused = !accepted;
+  // A box closes whatever is said of its value; only a text can be mended.
+  m_refused = !accepted && qobject_cast<QComboBox*>(editor) == nullptr;
   if (hadFocus && !m_edited.isValid()) setFocus();  // The list was filled anew meanwhile.
   if (!m_released.isNull()) std::exchange(m_released, nullptr)->deleteLater();
 }
@@ -262,6 +273,7 @@ void CTNParserListCtrl::closeEditor(QWidget* editor, QAbstractItemDelegate::EndE
 QWidget* CTNParserListCtrl::MakeEditor(const QModelIndex&, QWidget*) { return nullptr; }
 bool CTNParserListCtrl::HasEditor(const QModelIndex&) const { return false; }
 bool CTNParserListCtrl::OnEndEdit(const QModelIndex&, const EditedValue&) { return true; }
+void CTNParserListCtrl::OnLeftWithoutValue() {}
 void CTNParserListCtrl::OnClickCell(const QModelIndex&) {}
 void CTNParserListCtrl::OnDoubleClickCell(const QModelIndex&, bool) {}
 std::shared_ptr<CTNParserListNode> CTNParserListCtrl::MakeNode(int) const { return nullptr; }
@@ -377,16 +389,23 @@ QMenu* CTNParserListCtrl::MakeMenu(MenuId menu) {
 }
 
 void CTNParserListCtrl::contextMenuEvent(QContextMenuEvent* event) {
+  event->accept();
+  const QPointer<CTNParserListCtrl> alive(this);
+  EndEdit();  // May fill the list anew, and whoever is told of it may delete the list.
+  if (alive.isNull()) return;
   QPoint place = event->globalPos();
   int row = RowAt(place);
   if (event->reason() == QContextMenuEvent::Keyboard) {
-    row = currentIndex().row();
-    if (row >= 0) place = viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft());
+    const std::vector<int> selected = GetSelectedRows();
+    row = selected.empty() || currentIndex().isValid() ? currentIndex().row() : selected.front();
+    if (row >= 0) {
+      const QModelIndex cell = model()->index(row, std::max(currentIndex().column(), 0));
+      scrollTo(cell);
+      place = viewport()->mapToGlobal(visualRect(cell).bottomLeft());
+    }
   }
-  EndEdit();
   if (row >= 0 && !IsRowSelected(row)) SelectRowAlone(row);
   if (QMenu* menu = MakeContextMenu(row)) menu->popup(place);
-  event->accept();
 }
 
 // Dragging.
@@ -403,15 +422,29 @@ void CTNParserListCtrl::startDrag(Qt::DropActions) {
   if (!selectionModel()->hasSelection()) return;
   auto* drag = new QDrag(this);
   drag->setMimeData(new DraggedRows(*this));
-  const QModelIndex current = currentIndex();
-  if (current.isValid()) {
-    QRect row = visualRect(current);
-    row.setLeft(0);
-    row.setRight(viewport()->width() - 1);
-    drag->setPixmap(viewport()->grab(row.intersected(viewport()->rect())));
-  }
+  drag->setPixmap(PictureOfSelection());
   m_pressed = QModelIndex();
   drag->exec(Qt::MoveAction);
+}
+
+/// The selected rows that are in sight, and nothing between them.
+QPixmap CTNParserListCtrl::PictureOfSelection() {
+  QRegion rows;
+  for (int row = rowAt(0); row >= 0 && row < model()->rowCount(); ++row) {
+    const int top = rowViewportPosition(row);
+    if (top >= viewport()->height()) break;
+    if (IsRowSelected(row)) rows += QRect(0, top, viewport()->width(), rowHeight(row));
+  }
+  const QRect bounds = rows.boundingRect().intersected(viewport()->rect());
+  if (bounds.isEmpty()) return {};
+  const QPixmap all = viewport()->grab(bounds);
+  QPixmap picture(all.size());
+  picture.setDevicePixelRatio(all.devicePixelRatio());
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setClipRegion(rows.translated(-bounds.topLeft()));
+  painter.drawPixmap(0, 0, all);
+  return picture;
 }
 
 CTNParserListCtrl* CTNParserListCtrl::SourceOf(const QDropEvent& event) const {
@@ -442,8 +475,9 @@ void CTNParserListCtrl::dragMoveEvent(QDragMoveEvent* event) {
     event->ignore();
     return;
   }
-  const int row = rowAt(event->position().toPoint().y());
-  ScrollWhileDragging(row);
+  const int y = event->position().toPoint().y();
+  ScrollWhileDragging(rowAt(y));
+  const int row = rowAt(y);  // The one that lies there now.
   ShowDropPlace(row >= 0 ? row : model()->rowCount());
   event->setDropAction(Qt::MoveAction);
   event->accept();

@@ -112,6 +112,8 @@ class CTNParserListCtrl : public QTableView {
   virtual bool HasEditor(const QModelIndex& cell) const;
   /// The end of an edit: applies the value. False refuses it: the editor stays open.
   virtual bool OnEndEdit(const QModelIndex& cell, const EditedValue& value);
+  /// An editor without a value was left: there is nothing to apply.
+  virtual void OnLeftWithoutValue();
   /// A click on a cell that opens no editor.
   virtual void OnClickCell(const QModelIndex& cell);
   /// A double click on a cell; `edited` tells that its editor is open.
@@ -162,6 +164,7 @@ class CTNParserListCtrl : public QTableView {
   QRect EditorRect(const QRect& cell) const;
   CTNParserListCtrl* SourceOf(const QDropEvent& event) const;
   void ScrollWhileDragging(int row);
+  QPixmap PictureOfSelection();
   void ShowDropPlace(int row);
   void FitRowHeight();
 

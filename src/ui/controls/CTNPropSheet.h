@@ -46,9 +46,9 @@ class CTNPropSheet : public QWidget {
   /// Null for a button that the sheet does not have.
   QPushButton* GetButton(SheetButton button) const;
 
-  /// Makes the first page active; where the options say so, then the others in turn and the first
-  /// once more. Done once, at the latest when the sheet is first shown. Until then no page is
-  /// active.
+  /// Makes the current page active, which is the first one unless another was chosen; where the
+  /// options say so, then the others in turn and the first once more. Done once, at the latest when
+  /// the sheet is first shown. Until then no page is active.
   void Initialise();
 
  signals:

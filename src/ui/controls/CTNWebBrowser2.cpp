@@ -121,6 +121,8 @@ void CTNWebBrowser2::changeEvent(QEvent* event) {
 bool CTNWebBrowser2::Navigate(const std::string& path) {
   const bool shownBefore = path == m_path;
   const int line = m_text->verticalScrollBar()->value();
+  const int left = m_text->horizontalScrollBar()->value();
+  const int leftOfRows = m_rows->horizontalScrollBar()->value();
   const int row = m_rows->rowAt(0);
   ViewedFile file;
   std::string error;
@@ -137,7 +139,9 @@ bool CTNWebBrowser2::Navigate(const std::string& path) {
   m_path = path;
   if (shownBefore) {
     m_text->verticalScrollBar()->setValue(line);
+    m_text->horizontalScrollBar()->setValue(left);
     m_rows->scrollTo(m_model->index(row), QAbstractItemView::PositionAtTop);
+    m_rows->horizontalScrollBar()->setValue(leftOfRows);
   }
   return true;
 }

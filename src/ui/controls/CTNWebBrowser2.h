@@ -33,7 +33,8 @@ class CTNWebBrowser2 : public QWidget {
   ~CTNWebBrowser2() override;
 
   /// Shows the file as it is now. When it was the one shown before, what of it is in sight stays
-  /// so. False when it cannot be read; the reason is shown in its place.
+  /// so; what was selected does not. False when it cannot be read; the reason is shown in its
+  /// place.
   bool Navigate(const std::string& path);
   /// Shows nothing.
   void Clear();

@@ -1,6 +1,7 @@
 #include "ui/controls/EntityListModel.h"
 
 #include "tnbase/CharClass.h"
+#include "tnbase/TextEncoding.h"
 #include "ui/controls/EntityListPieces.h"
 #include "ui/controls/EntityListText.h"
 
@@ -50,17 +51,27 @@ std::string SearchKey(const QString& text) {
   return longest;
 }
 
-/// How long the bytes become as a row, at most: a control code is shown by its number.
-std::size_t ShownSize(std::string_view bytes) {
-  constexpr std::size_t kCodeAdds = 3;
-  const auto isCode = [](char byte) {
-    return static_cast<unsigned char>(byte) < ' ' || byte == 0x7F;
-  };
-  return bytes.size() +
-         kCodeAdds * static_cast<std::size_t>(std::count_if(bytes.begin(), bytes.end(), isCode));
-}
-
 bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+/// How many columns of a fixed pitch the bytes take as a row: a control code is shown by its
+/// number, and letters of three bytes and more are mostly twice as wide.
+std::size_t ShownSize(std::string_view bytes) {
+  constexpr std::size_t kOfCode = 4;
+  constexpr unsigned kFirstOfThree = 0xE0;
+  const bool oneByteEach = !IsUtf8(bytes);
+  std::size_t size = 0;
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    if (value < ' ' || value == 0x7F) {
+      size += kOfCode;
+    } else if (oneByteEach || !IsNonAscii(byte)) {
+      ++size;
+    } else if (!ContinuesCharacter(byte)) {
+      size += value >= kFirstOfThree ? 2 : 1;
+    }
+  }
+  return size;
+}
 
 }  // namespace
 

@@ -15,9 +15,12 @@
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <functional>
+#include <numeric>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bomparser {
@@ -49,21 +52,7 @@ class ErrorLinesModel final : public QAbstractTableModel {
     return QAbstractTableModel::headerData(section, orientation, role);
   }
 
-  /// The lines among which the widest is: measuring all of a long log would take seconds.
-  std::vector<QString> LongestLines() const {
-    constexpr std::size_t kMeasured = 100;
-    std::vector<std::size_t> order(m_lines.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-      order[i] = i;
-    const std::size_t count = std::min(kMeasured, order.size());
-    std::ranges::partial_sort(order, order.begin() + static_cast<std::ptrdiff_t>(count),
-                              std::greater<>(),
-                              [this](std::size_t line) { return m_lines[line].size(); });
-    std::vector<QString> longest;
-    for (std::size_t i = 0; i < count; ++i)
-      longest.push_back(RowText(ToDisplayText(m_lines[order[i]])));
-    return longest;
-  }
+  const std::vector<std::string>& GetLines() const { return m_lines; }
 
  private:
   std::vector<std::string> m_lines;
@@ -77,10 +66,44 @@ class OneRowDelegate final : public QStyledItemDelegate {
   }
 };
 
-int WidestLine(const QTableView& list, const ErrorLinesModel& model) {
+/// Nearly how wide a line is painted, without laying it out, which takes a thousand times as long.
+class WidthGuess {
+ public:
+  explicit WidthGuess(const QFontMetrics& metrics) {
+    constexpr unsigned kFirstNonAscii = 0x80;
+    constexpr unsigned kFirstLead = 0xC0;
+    for (unsigned byte = 0; byte < m_ofByte.size(); ++byte) {
+      const bool ascii = byte < kFirstNonAscii;
+      const bool continues = !ascii && byte < kFirstLead;
+      m_ofByte[byte] = continues ? 0
+                       : ascii   ? metrics.horizontalAdvance(QChar(static_cast<char16_t>(byte)))
+                                 : metrics.maxWidth() / 2;
+    }
+  }
+  int Of(const std::string& line) const {
+    return std::accumulate(line.begin(), line.end(), 0, [this](int width, char byte) {
+      return width + m_ofByte[static_cast<unsigned char>(byte)];
+    });
+  }
+
+ private:
+  std::array<int, 256> m_ofByte{};
+};
+
+int WidestLine(const QTableView& list, const std::vector<std::string>& lines) {
+  constexpr std::size_t kMeasured = 100;
+  const WidthGuess guess(list.fontMetrics());
+  std::vector<std::pair<int, std::size_t>> guesses;
+  guesses.reserve(lines.size());
+  for (std::size_t i = 0; i < lines.size(); ++i)
+    guesses.emplace_back(guess.Of(lines[i]), i);
+  const auto count = static_cast<std::ptrdiff_t>(std::min(kMeasured, guesses.size()));
+  std::ranges::partial_sort(guesses, guesses.begin() + count, std::greater<>());
   int widest = 0;
-  for (const QString& line : model.LongestLines())
-    widest = std::max(widest, list.fontMetrics().horizontalAdvance(line));
+  for (auto at = guesses.begin(); at != guesses.begin() + count; ++at) {
+    const QString text = RowText(ToDisplayText(lines[at->second]));
+    widest = std::max(widest, list.fontMetrics().horizontalAdvance(text));
+  }
   return widest;
 }
 
@@ -142,7 +165,8 @@ QTableView* CTNDlgErrorLog::BuildList(const CTNParserErrorLog* log) {
   const int margin = list->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
   list->verticalHeader()->setDefaultSectionSize(list->fontMetrics().height() + 2 * margin);
   // As wide as the list, or as the widest line if that is more.
-  list->horizontalHeader()->setMinimumSectionSize(WidestLine(*list, *model) + 2 * margin);
+  list->horizontalHeader()->setMinimumSectionSize(WidestLine(*list, model->GetLines()) +
+                                                  2 * margin);
   list->horizontalHeader()->setStretchLastSection(true);
   AddCopyCommand(*list);
   if (model->rowCount({}) > 0) list->setCurrentIndex(model->index(0, 0));

@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <array>
 #include <cstddef>
+#include <limits>
 
 namespace bomparser {
 namespace {
@@ -53,6 +54,12 @@ constexpr std::array kTriggers = {
     Trigger{Ctrl::TriggerOutputElementModify, kOutputElementsModified, 2, 2},
     Trigger{Ctrl::TriggerParameters, kParametersChanged, 3, 2},  // Parameters are only modified.
 };
+
+QLabel* NewRowLabel(std::size_t row, QWidget* firstBox) {
+  auto* label = new QLabel(WithMnemonic(kRows[row].text, kRows[row].letter));
+  label->setBuddy(firstBox);
+  return label;
+}
 
 QPushButton* NewButton(Msg text, char letter, Ctrl number) {
   auto* button = new QPushButton(WithMnemonic(text, letter));
@@ -101,6 +108,7 @@ QWidget* CTNDlgParserAppSettings::BuildViewGroup() {
 
 QWidget* CTNDlgParserAppSettings::BuildPathGroup() {
   m_searchPath = new QLineEdit;
+  m_searchPath->setMaxLength(std::numeric_limits<int>::max());
   SetControlId(*m_searchPath, Ctrl::SearchPath);
   m_searchPath->setAccessibleName(MessageText(Msg::TemplateSearchPath));
   auto* browse = NewButton(Msg::Browse, 'B', Ctrl::BrowseSearchPath);
@@ -136,21 +144,20 @@ void CTNDlgParserAppSettings::AddTriggers(QGridLayout& grid, int firstRow) {
   for (const Msg title : kColumns) {
     grid.addWidget(new QLabel(MessageText(title)), firstRow, column++, Qt::AlignCenter);
   }
-  std::array<QLabel*, kRows.size()> labels{};
-  for (std::size_t row = 0; row < kRows.size(); ++row) {
-    labels[row] = new QLabel(WithMnemonic(kRows[row].text, kRows[row].letter));
-    grid.addWidget(labels[row], firstRow + 1 + static_cast<int>(row), 0);
-  }
+  // A label comes right before the boxes of its row: help on it is about the first of them.
+  std::size_t rowOfLabel = kRows.size();
   for (const Trigger& trigger : kTriggers) {
+    const int row = firstRow + 1 + static_cast<int>(trigger.row);
     auto* box = new QCheckBox;
+    if (trigger.row != rowOfLabel) {
+      grid.addWidget(NewRowLabel(trigger.row, box), row, 0);
+      rowOfLabel = trigger.row;
+    }
     SetControlId(*box, trigger.control);
     box->setAccessibleName(MessageText(kRows[trigger.row].text) + u' ' +
                            MessageText(kColumns[trigger.column]));
     box->setToolTip(box->accessibleName());
-    QLabel* const label = labels[trigger.row];
-    if (label->buddy() == nullptr) label->setBuddy(box);
-    grid.addWidget(box, firstRow + 1 + static_cast<int>(trigger.row),
-                   1 + static_cast<int>(trigger.column), Qt::AlignCenter);
+    grid.addWidget(box, row, 1 + static_cast<int>(trigger.column), Qt::AlignCenter);
     m_triggers.push_back(box);
   }
 }

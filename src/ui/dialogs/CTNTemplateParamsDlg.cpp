@@ -15,6 +15,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <cstdint>
+#include <limits>
 
 namespace bomparser {
 namespace {
@@ -26,6 +28,7 @@ constexpr NumberRange<int> kLinesAfter{-10000, 10000};
 
 QLineEdit* NewEdit(Ctrl number, const QString& accessibleName) {
   auto* edit = new QLineEdit;
+  edit->setMaxLength(std::numeric_limits<int>::max());  // What is stored is shown whole.
   SetControlId(*edit, number);
   edit->setAccessibleName(accessibleName);
   return edit;
@@ -130,7 +133,7 @@ void CTNTemplateParamsDlg::LoadValues() {
   m_scale->setText(EditText(m_template.GetScaleFactor()));
   m_title->setText(ToDisplayText(m_template.GetTitle()));
   m_ignoreBefore->setText(QString::number(m_template.GetBeginRow()));
-  const int signedAfter = m_template.GetEndAfterRow();
+  const std::int64_t signedAfter = m_template.GetEndAfterRow();  // The lowest has no positive.
   const bool fromBottom = signedAfter < 1;
   m_ignoreAfter->setText(QString::number(fromBottom ? -signedAfter : signedAfter));
   (fromBottom ? m_fromBottom : m_fromTop)->setChecked(true);

@@ -6,6 +6,7 @@
 
 #include <QLineEdit>
 #include <QLocale>
+#include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
 
@@ -18,6 +19,13 @@ bool IsWrittenAsInteger(const QString& text) {
   if (digits.startsWith(u'-') || digits.startsWith(u'+')) digits.remove(0, 1);
   const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
   return !digits.isEmpty() && std::all_of(digits.begin(), digits.end(), isDigit);
+}
+
+bool IsWrittenAsNumber(const QString& text) {
+  static const QRegularExpression kNumber(
+      QStringLiteral("^\\s*[+-]?(\\d+\\.?\\d*|\\.\\d+)(e[+-]?\\d+)?\\s*$"),
+      QRegularExpression::CaseInsensitiveOption);
+  return kNumber.match(text).hasMatch();
 }
 
 template <class Number>
@@ -51,10 +59,11 @@ bool EditCheck::ReadInteger(QLineEdit& edit, NumberRange<int> range, int& value)
 
 bool EditCheck::ReadNumber(QLineEdit& edit, NumberRange<double> range, double& value) const {
   double read = 0;
-  if (!ParseDouble(ToBytes(edit.text()), read)) {
+  const bool parsed = ParseDouble(ToBytes(edit.text()), read);
+  if (!parsed && !IsWrittenAsNumber(edit.text())) {
     return Refuse(edit, GetMessageText(Msg::EnterNumber));
   }
-  if (!IsWithin(range, read)) {
+  if (!parsed || !IsWithin(range, read)) {
     return Refuse(edit, FormatMessageText(Msg::EnterNumberBetween, ToBytes(EditText(range.lowest)),
                                           ToBytes(EditText(range.highest))));
   }

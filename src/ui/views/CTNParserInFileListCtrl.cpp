@@ -383,7 +383,13 @@ void CTNParserInFileListCtrl::OnDrop(QWidget*, const QPoint&) {
   OnCommand(Cmd::CreateRecordFromSelected);
 }
 
+void CTNParserInFileListCtrl::selectAll() {
+  m_model->AddLateRows();
+  CTNParserListCtrl::selectAll();
+}
+
 UnmatchedFound CTNParserInFileListCtrl::GoToUnmatched(SearchDirection direction) {
+  m_model->AddLateRows();
   constexpr std::uint32_t kEnd = 0xFFFFFFFF;
   const bool forward = direction == SearchDirection::Down;
   const QModelIndex current = currentIndex();

@@ -58,6 +58,7 @@ class CTNParserInFileListCtrl final : public CTNParserListCtrl {
   bool CanDropOn(const QWidget* target) const override;
   void OnDrop(QWidget* target, const QPoint& screenPoint) override;
   void keyboardSearch(const QString& search) override;
+  void selectAll() override;
 
  signals:
   /// The current row was selected, and the results are not stale: the block it belongs to. Once

@@ -30,7 +30,8 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   static constexpr int kFirstText = 2;
   /// More rows than this are not shown: a table counts the pixels of its height in an int.
   static constexpr std::uint32_t kMostRows = 30'000'000;
-  /// A table that was empty has so many rows at first; the others come when these are painted.
+  /// A table that was empty has so many rows at first; the others come a moment later, so that the
+  /// first ones are painted before.
   static constexpr std::uint32_t kRowsAtOnce = 100'000;
 
   /// Which rows are shown and how.
@@ -86,6 +87,8 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   bool HasLateRows() const {
     return m_rowLimit < kMostRows && static_cast<std::uint32_t>(rowCount()) < CountShown();
   }
+  /// Adds these rows at once.
+  void AddLateRows();
 
  signals:
   void WidestTextsChanged();
@@ -97,7 +100,6 @@ class CTNParserInFileModel final : public QAbstractTableModel {
  private:
   void StartScan();
   std::uint32_t CountShown() const;
-  void AddLateRows();
   void OnFound(const std::vector<std::uint32_t>& lines, const WidestTexts& widest);
   void AppendLines(const std::vector<std::uint32_t>& lines);
   void SetWidest(const WidestTexts& widest);

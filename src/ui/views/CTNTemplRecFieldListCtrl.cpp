@@ -34,7 +34,9 @@ bool HasMatchValue(const Field& field, const EditedValue& value) {
 
 void SetMatchValue(Field& field, const EditedValue& value) {
   // Bytes that are no UTF-8 stay what they are as long as their text is not changed.
-  if (HasMatchValue(field, value)) return;
+  const bool unchanged = HasMatchValue(field, value);
+  // The same text may name another sub-record now, or one at last.
+  if (unchanged && !Field::IsSubRecordType(field.GetType())) return;
   field.SetMatchValueText(ToBytes(MatchValueFor(field, value)));
 }
 
@@ -165,6 +167,8 @@ bool CTNTemplRecFieldListCtrl::OnEndEdit(const QModelIndex& cell, const EditedVa
   if (!alive.isNull()) emit RepaintWanted();
   return true;
 }
+
+void CTNTemplRecFieldListCtrl::OnLeftWithoutValue() { emit RepaintWanted(); }
 
 // Commands.
 

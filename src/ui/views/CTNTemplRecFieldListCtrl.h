@@ -39,6 +39,7 @@ class CTNTemplRecFieldListCtrl final : public CTNTemplateListCtrl {
   void AdaptMenu(QMenu& menu) override;
   QWidget* MakeEditor(const QModelIndex& cell, QWidget* parent) override;
   bool OnEndEdit(const QModelIndex& cell, const EditedValue& value) override;
+  void OnLeftWithoutValue() override;
 
  private:
   QWidget* MakeMatchValueEditor(const CTNTemplRecInField& field, const QModelIndex& cell,

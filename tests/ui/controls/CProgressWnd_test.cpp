@@ -288,6 +288,18 @@ TEST_F(CProgressWndTest, ACancelledWindowPumpsNothingAndStaysAway) {
   EXPECT_FALSE(window->isVisible());
 }
 
+TEST_F(CProgressWndTest, PumpingEndsWithTheRoundThatCancels) {
+  CreateWindow();
+  bool later = false;
+  QTimer::singleShot(0, window.get(), [this, &later] {
+    QTest::mouseClick(&CancelButton(), Qt::LeftButton);
+    QTimer::singleShot(0, window.get(), [&later] { later = true; });
+  });
+  window->PeekAndPump(EscapeKey::Cancels);
+  EXPECT_TRUE(window->Cancelled());
+  EXPECT_FALSE(later);
+}
+
 TEST_F(CProgressWndTest, CancelBringsTheParentToTheFront) {
   ShowModal();
   EXPECT_FALSE(parent.isActiveWindow());

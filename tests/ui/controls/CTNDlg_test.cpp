@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <QWhatsThis>
 
@@ -113,6 +114,34 @@ TEST_F(CTNDlgTest, TheHelpKeyIsAboutTheControlThatHasTheFocus) {
   QTest::keyClick(edit, Qt::Key_F1);
   ASSERT_EQ(host.help.size(), 1U);
   EXPECT_EQ(host.help[0].command, HelpCommand::HelpKey);
+  EXPECT_EQ(host.help[0].control, edit);
+}
+
+TEST_F(CTNDlgTest, TheSixButtonsOfEveryDialogHaveHelpOfTheirOwnForTheHelpKeyOnly) {
+  for (const int number : {1, 2, 9, 12323, 12324, 12325}) {
+    SetControlId(*edit, static_cast<Ctrl>(number));
+    edit->setContextMenuPolicy(Qt::NoContextMenu);
+    host.help.clear();
+    HelpButtonAt(*edit);
+    RightClick(dialog, edit->geometry().center());
+    ASSERT_EQ(host.help.size(), 2U);
+    EXPECT_EQ(host.help[0].pairs.front(), HelpPair(-2, -2)) << number;
+    EXPECT_EQ(host.help[1].pairs.front(), HelpPair(number, 65536 + number));
+  }
+}
+
+TEST_F(CTNDlgTest, TheHelpKeyAsksAlsoForAControlWithoutHelp) {
+  edit->setProperty(id_property::kHelp, 0);
+  HelpButtonAt(*edit);
+  ASSERT_EQ(host.help.size(), 1U);
+  EXPECT_EQ(host.help[0].pairs.front(), HelpPair(3045, 0));
+}
+
+TEST_F(CTNDlgTest, AControlThatIsAboutToAppearIsWaitedForOnce) {
+  edit->hide();
+  QTimer::singleShot(0, edit, &QWidget::show);
+  RightClick(dialog, edit->geometry().center());
+  ASSERT_EQ(host.help.size(), 1U);
   EXPECT_EQ(host.help[0].control, edit);
 }
 

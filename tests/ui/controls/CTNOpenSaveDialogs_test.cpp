@@ -16,6 +16,7 @@
 #include <QTreeView>
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bomparser::test {
@@ -24,15 +25,22 @@ namespace {
 /// Qt's own words as another language has them.
 class OtherLanguage final : public QTranslator {
  public:
-  OtherLanguage() { QCoreApplication::installTranslator(this); }
+  OtherLanguage(QString open, QString saveAs)
+      : m_open(std::move(open)), m_saveAs(std::move(saveAs)) {
+    QCoreApplication::installTranslator(this);
+  }
   ~OtherLanguage() override { QCoreApplication::removeTranslator(this); }
   bool isEmpty() const override { return false; }
   QString translate(const char* context, const char* sourceText, const char*, int) const override {
     if (std::string(context) != "QFileDialog") return {};
-    if (std::string(sourceText) == "Open") return QStringLiteral("Öffnen");
-    if (std::string(sourceText) == "Save As") return QStringLiteral("Speichern unter");
+    if (std::string(sourceText) == "Open") return m_open;
+    if (std::string(sourceText) == "Save As") return m_saveAs;
     return {};
   }
+
+ private:
+  QString m_open;
+  QString m_saveAs;
 };
 
 class CTNOpenSaveDialogsTest : public TestFolder {
@@ -124,7 +132,7 @@ TEST_F(CTNOpenSaveDialogsTest, OutputReplacesTheStandardCaption) {
 }
 
 TEST_F(CTNOpenSaveDialogsTest, StandardCaptionsOfAnotherLanguageStayUnchanged) {
-  const OtherLanguage german;
+  const OtherLanguage german(QStringLiteral("Öffnen"), QStringLiteral("Speichern unter"));
   EXPECT_EQ(CTNTemplateOpenSaveDialog(FileDialogUse::Open, Folder()).windowTitle(),
             QString::fromUtf8("Template: Öffnen"));
   EXPECT_EQ(CTNTemplateOpenSaveDialog(FileDialogUse::Save, Folder()).windowTitle(),
@@ -133,6 +141,14 @@ TEST_F(CTNOpenSaveDialogsTest, StandardCaptionsOfAnotherLanguageStayUnchanged) {
             QString::fromUtf8("Input File: Öffnen"));
   EXPECT_EQ(CTNInFileOpenSaveDialog(FileDialogUse::Save, Folder()).windowTitle(),
             "Input File: Speichern unter");
+}
+
+TEST_F(CTNOpenSaveDialogsTest, StandardCaptionsAreKnownInAnyCase) {
+  const OtherLanguage loud(QStringLiteral("OPEN"), QStringLiteral("Save as"));
+  EXPECT_EQ(CTNTemplateOpenSaveDialog(FileDialogUse::Open, Folder()).windowTitle(),
+            "Template: Load");
+  EXPECT_EQ(CTNInFileOpenSaveDialog(FileDialogUse::Save, Folder()).windowTitle(),
+            "Input File: Output Entity List");
 }
 
 TEST_F(CTNOpenSaveDialogsTest, TheCaptionStaysWhenTheDialogIsShown) {

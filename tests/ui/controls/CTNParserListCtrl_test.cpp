@@ -624,6 +624,61 @@ TEST_F(CTNParserListCtrlTest, ADropOfAListThatIsGoneIsRefused) {
   EXPECT_FALSE(enter.isAccepted());
 }
 
+TEST_F(CTNParserListCtrlTest, TheLineShowsWhereADropWouldInsertAlsoAfterScrolling) {
+  list->accepts = list;
+  DraggedRows rows(*list);
+  const QPoint bottom(5, list->viewport()->height() - 1);
+  QDragEnterEvent enter({5, 50}, Qt::MoveAction, &rows, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(list->viewport(), &enter);
+  QDragMoveEvent move(bottom, Qt::MoveAction, &rows, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(list->viewport(), &move);
+  const QRect hit = list->visualRect(list->words.index(list->rowAt(bottom.y()), 0));
+  const QImage image = list->viewport()->grab().toImage();
+  EXPECT_EQ(image.pixelColor(list->viewport()->width() - 3, hit.top()),
+            list->palette().color(QPalette::Highlight));
+}
+
+TEST_F(CTNParserListCtrlTest, AClickOnAnotherCellLeavesARefusedEditorOpen) {
+  FakeUserDialogs boxes;
+  boxes.answers = {BoxAnswer::Ok, BoxAnswer::Ok, BoxAnswer::Ok};
+  CTNInPlaceEdit* const edit = OpenText(1);
+  QTest::keyClicks(edit, "bad");
+  EXPECT_FALSE(list->BeginEdit(list->words.index(2, kTextColumn)));
+  EXPECT_EQ(list->GetEditor(), edit);
+  EXPECT_EQ(boxes.boxes.size(), 1U);
+}
+
+TEST_F(CTNParserListCtrlTest, ACellThatIsHiddenOpensNoEditor) {
+  list->setColumnHidden(kTextColumn, true);
+  EXPECT_FALSE(list->BeginEdit(list->words.index(1, kTextColumn)));
+  EXPECT_FALSE(list->IsEditing());
+}
+
+TEST_F(CTNParserListCtrlTest, ModifiersAndTheHelpKeyOpenNoList) {
+  QComboBox* const box = OpenCombo(1);
+  ASSERT_NE(box, nullptr);
+  QTest::keyClick(box->view(), Qt::Key_Escape);
+  Settle();
+  ASSERT_EQ(list->GetEditor(), box);
+  for (const Qt::Key key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_F1}) {
+    QTest::keyClick(box, key);
+    Settle();
+    EXPECT_FALSE(box->view()->isVisible()) << key;
+  }
+}
+
+TEST_F(CTNParserListCtrlTest, TheMenuKeyIsAboutTheSelectedRowsWhereNoneIsCurrent) {
+  list->SetSelectedRows({17, 18});
+  list->selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, {1, 1}, list->mapToGlobal(QPoint(1, 1)));
+  QApplication::sendEvent(list, &event);
+  QMenu* const menu = OpenMenu();
+  ASSERT_NE(menu, nullptr);
+  EXPECT_TRUE(FindCommand(*menu, Cmd::DeleteSelected)->isEnabled());
+  menu->close();
+  EXPECT_EQ(list->GetSelectedRows(), std::vector<int>({17, 18}));
+}
+
 TEST_F(CTNParserListCtrlTest, ColumnWidthsAreStoredAsNumbersSeparatedByCommas) {
   list->setColumnWidth(0, 61);
   list->setColumnWidth(1, 122);

@@ -103,6 +103,11 @@ TEST_F(EntityListModelTest, TheLongestRowIsKnown) {
   Show(List(Entity(std::string(30, 'x')) + Entity(std::string(10, '\x7F')) +
             Entity(std::string(9, '\x01'))));
   EXPECT_EQ(model.GetLongestRow(), 2) << "a code is shown as four characters";
+  std::string letters;
+  for (int i = 0; i < 20; ++i)
+    letters += "\xE7\x94\xB5";  // Twice as wide, of three bytes.
+  Show(List(Entity(letters) + Entity(std::string(45, 'x')) + Entity(std::string(44, '\xB5'))));
+  EXPECT_EQ(model.GetLongestRow(), 2);
 }
 
 TEST_F(EntityListModelTest, TheFileMayGoAndTheRowsStay) {

@@ -122,6 +122,14 @@ TEST_F(CTNDlgErrorLogTest, OfLinesOfNearlyTheSameLengthTheWidestCounts) {
   EXPECT_GE(List().columnWidth(0), List().fontMetrics().horizontalAdvance(QString(40, u'W')));
 }
 
+TEST_F(CTNDlgErrorLogTest, ManyLongerLinesThatAreNarrowerDoNotHideTheWidest) {
+  for (int line = 0; line < 200; ++line)
+    log.AddMessage(std::string(41, 'i'));
+  log.AddMessage(std::string(40, 'W'));
+  Open(&log);
+  EXPECT_GE(List().columnWidth(0), List().fontMetrics().horizontalAdvance(QString(40, u'W')));
+}
+
 TEST_F(CTNDlgErrorLogTest, TakesAHundredThousandLines) {
   constexpr int kLines = 100000;
   for (int line = 0; line < kLines; ++line)

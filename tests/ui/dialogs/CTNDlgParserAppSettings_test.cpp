@@ -363,5 +363,36 @@ TEST_F(CTNDlgParserAppSettingsTest, PictureOfTheFolderBrowser) {
   EXPECT_TRUE(Screenshot(browser, "folder-browser"));
 }
 
+TEST_F(CTNDlgParserAppSettingsTest, HelpOnALabelIsAboutTheFirstBoxOfItsRow) {
+  Open();
+  std::vector<int> controls;
+  for (const QLabel* label : dialog->findChildren<QLabel*>()) {
+    if (qobject_cast<QCheckBox*>(label->buddy()) == nullptr) continue;
+    RightClick(*dialog, label->mapTo(dialog.get(), label->rect().center()));
+    controls.push_back(host.help.back().pairs.front().first);
+  }
+  EXPECT_EQ(controls, (std::vector<int>{3090, 3093, 3096, 3101}));
+}
+
+TEST_F(CTNDlgParserAppSettingsTest, AnEmptySearchPathIsTakenAndFindTemplateTellsOfIt) {
+  engine.SetTemplateSearchPath(Folder());
+  WriteFile("input.txt", "a\n");
+  std::string error;
+  bool cancelled = false;
+  ASSERT_TRUE(engine.OpenInputFile(PathOf("input.txt"), error)) << error;
+  Open();
+  Edit(Ctrl::SearchPath).clear();
+  EXPECT_TRUE(Ok());
+  EXPECT_FALSE(engine.FindTemplate(error, cancelled, ShowProgress::No));
+  EXPECT_EQ(error, "No template search path currently specified");
+}
+
+TEST_F(CTNDlgParserAppSettingsTest, APathOfAHundredThousandLettersStaysWhole) {
+  engine.SetTemplateSearchPath(std::string(100'000, 'p'));
+  Open();
+  EXPECT_TRUE(Ok());
+  EXPECT_EQ(engine.GetTemplateSearchPath().size(), 100'000U);
+}
+
 }  // namespace
 }  // namespace bomparser::test

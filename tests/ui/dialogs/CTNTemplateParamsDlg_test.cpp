@@ -10,6 +10,7 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QRadioButton>
+#include <limits>
 #include <memory>
 #include <set>
 #include <string>
@@ -124,6 +125,35 @@ TEST_F(CTNTemplateParamsDlgTest, ANegativeLimitOpensAsItsSizeFromTheBottom) {
   Open();
   EXPECT_TRUE(Radio(Ctrl::ParamFromBottom).isChecked());
   EXPECT_EQ(Edit(Ctrl::ParamIgnoreAfter).text(), "7");
+}
+
+TEST_F(CTNTemplateParamsDlgTest, TheLowestLimitOpensAsItsSizeAndIsRefused) {
+  document.SetEndAfterRow(std::numeric_limits<std::int32_t>::min());
+  Open();
+  EXPECT_EQ(Edit(Ctrl::ParamIgnoreAfter).text(), "2147483648");
+  EXPECT_TRUE(Radio(Ctrl::ParamFromBottom).isChecked());
+  EXPECT_FALSE(Ok());
+}
+
+TEST_F(CTNTemplateParamsDlgTest, ATitleOfAHundredThousandLettersIsShownWhole) {
+  document.SetTitle(std::string(100'000, 't'));
+  Open();
+  EXPECT_EQ(Edit(Ctrl::ParamTitle).text().size(), 100'000);
+}
+
+TEST_F(CTNTemplateParamsDlgTest, AScaleThatNoNumberCanHoldIsOutOfRange) {
+  for (const char* text : {"1e400", "1E-400", " -1e999 "})
+    EXPECT_FALSE(OkWith(Ctrl::ParamScale, text)) << text;
+  EXPECT_EQ(boxes.boxes,
+            std::vector<std::string>(3, RangeBox("Enter a number between 0 and 1000000.")));
+}
+
+TEST_F(CTNTemplateParamsDlgTest, BetweenTheControlsThereIsNoHelp) {
+  Open();
+  const QWidget& title = Edit(Ctrl::ParamTitle);
+  const QPoint below = title.mapTo(dialog.get(), QPoint(5, title.height() + 2));
+  RightClick(*dialog, below);
+  EXPECT_TRUE(host.help.empty());
 }
 
 TEST_F(CTNTemplateParamsDlgTest, OkStoresEverything) {

@@ -158,6 +158,25 @@ TEST_F(CTNParserInFileListCtrlTest, TextColumnsHaveAFixedPitchAndTheOthersHaveNo
   EXPECT_FALSE(Model().index(0, 1).data(Qt::FontRole).isValid());
 }
 
+TEST_F(CTNParserInFileListCtrlTest, AllRowsAreSelectedAlsoWhileSomeAreStillToCome) {
+  ApplyTo(std::string(250'000, '\n'));
+  list.Fill();
+  ASSERT_TRUE(Model().HasLateRows());
+  list.selectAll();
+  EXPECT_EQ(list.GetSelectedRows().size(), 250'000U);
+}
+
+TEST_F(CTNParserInFileListCtrlTest, AnUnmatchedLineIsFoundAlsoWhileItIsStillToCome) {
+  std::string text = "\n";
+  for (int i = 0; i < 150'000; ++i)
+    text += "R1\n";
+  ApplyTo(text + "junk\n");
+  list.Fill();
+  ASSERT_TRUE(Model().HasLateRows());
+  EXPECT_EQ(list.GoToUnmatched(SearchDirection::Down), UnmatchedFound::Ahead);
+  EXPECT_EQ(list.GetSelectedRows(), std::vector<int>({150'001}));
+}
+
 TEST_F(CTNParserInFileListCtrlTest, TextsFollowTheSizeOfTheFont) {
   Show(kText);
   const int width = list.columnWidth(2);

@@ -641,5 +641,37 @@ TEST_F(CTNTemplRecFieldListCtrlTest, PictureOfEveryState) {
   EXPECT_TRUE(Screenshot(window, "fields-match-length"));
 }
 
+TEST_F(CTNTemplRecFieldListCtrlTest, TabAppliesAnEdit) {
+  Fill({Alpha(), Newline()});
+  ASSERT_NE(OpenText(0, Col::MatchValue), nullptr);
+  QTest::keyClicks(list->GetEditor(), "x");
+  QTest::keyClick(list->GetEditor(), Qt::Key_Tab);
+  Settle();
+  EXPECT_EQ(Text(0, Col::MatchValue), "x");
+}
+
+TEST_F(CTNTemplRecFieldListCtrlTest, ABoxThatIsLeftWithoutAValueAsksForARepaintToo) {
+  AddRecord(Document(), RecordKind::SingleMatch, "header", {Newline()});
+  Fill({Field(FieldKind::SubRecord), Newline()});
+  ASSERT_NE(OpenCombo(0, Col::MatchValue), nullptr);
+  neighbour->setFocus();
+  Settle();
+  EXPECT_EQ(told, Lines{"repaint"});
+}
+
+TEST_F(CTNTemplRecFieldListCtrlTest, ASubRecordOfTheSameTextIsLookedForAgain) {
+  Fill({SubRecord("A2"), SubRecord("A1"), Newline()});
+  AddPins();
+  list->ShowFields(list->GetRecord());
+  const auto& fields = list->GetRecord()->GetInputFields();
+  ASSERT_EQ(fields[1]->GetSubRecord(), nullptr);
+  list->SetSelectedRows({0, 1});
+  CTNParserComboBox* const box = OpenCombo(0, Col::MatchValue);
+  ASSERT_NE(box, nullptr);
+  ChooseIn(box, box->itemText(0));
+  EXPECT_NE(fields[0]->GetSubRecord(), nullptr);
+  EXPECT_EQ(fields[1]->GetSubRecord(), fields[0]->GetSubRecord());
+}
+
 }  // namespace
 }  // namespace bomparser::test

@@ -503,5 +503,49 @@ TEST_F(CTNTemplRecOutFieldListCtrlTest, PictureOfEveryState) {
   EXPECT_TRUE(Screenshot(window, "elements-expression"));
 }
 
+TEST_F(CTNTemplRecOutFieldListCtrlTest, TabInTheOpenListOfABoxWithoutCurrentValueChangesNothing) {
+  Fill(RecordKind::Part, {{OutputTag::Undefined, "F1"}});
+  CTNParserComboBox* const box = OpenCombo(0, Col::Tag);
+  ASSERT_NE(box, nullptr);
+  QTest::keyClick(box->view(), Qt::Key_Tab);
+  Settle();
+  EXPECT_FALSE(list->IsEditing());
+  EXPECT_EQ(ElementAt(0).GetTag(), OutputTag::Undefined);
+  EXPECT_FALSE(Document().IsModified());
+}
+
+TEST_F(CTNTemplRecOutFieldListCtrlTest, TabInTheOpenListTakesTheEntryThatTheUserWentTo) {
+  Fill(RecordKind::Part, {{OutputTag::Undefined, "F1"}});
+  CTNParserComboBox* const box = OpenCombo(0, Col::Tag);
+  ASSERT_NE(box, nullptr);
+  QTest::keyClick(box->view(), Qt::Key_Down);
+  const std::string entry = box->view()->currentIndex().data().toString().toStdString();
+  QTest::keyClick(box->view(), Qt::Key_Tab);
+  Settle();
+  EXPECT_EQ(Tags(), Lines{entry});
+}
+
+TEST_F(CTNTemplRecOutFieldListCtrlTest, ARowOutsideTheSelectionIsEditedAlone) {
+  Fill(RecordKind::Part, {Designator("F1"), PartNumber(), None("F1")});
+  ClickRows({0, 1});
+  Type(2, Col::Expression, "9");
+  EXPECT_EQ(Expressions().back(), "9");
+  EXPECT_EQ(Expressions().front(), "F1");
+}
+
+TEST_F(CTNTemplRecOutFieldListCtrlTest, TabAndTheFocusGoingElsewhereApplyAnEdit) {
+  Fill(RecordKind::Part, {Designator("F1"), PartNumber()});
+  ASSERT_NE(OpenText(0, Col::Expression), nullptr);
+  QTest::keyClicks(list->GetEditor(), "7");
+  QTest::keyClick(list->GetEditor(), Qt::Key_Tab);
+  Settle();
+  EXPECT_EQ(Expressions()[0], "7");
+  ASSERT_NE(OpenText(1, Col::Expression), nullptr);
+  QTest::keyClicks(list->GetEditor(), "8");
+  neighbour->setFocus();
+  Settle();
+  EXPECT_EQ(Expressions()[1], "8");
+}
+
 }  // namespace
 }  // namespace bomparser::test
