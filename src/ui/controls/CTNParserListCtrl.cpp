@@ -232,15 +232,16 @@ void CTNParserListCtrl::commitData(QWidget* editor) {
   EditedValue edited;
   m_refused = false;
   if (value == nullptr || !m_edited.isValid()) return;
-  if (!value->GetValue(edited)) {
-    OnLeftWithoutValue();
-    return;
-  }
 
   const QPointer<CTNParserListCtrl> alive(this);
   const bool hadFocus = editor->hasFocus();
   m_reporting = true;  // A box that refuses the value takes the focus: that ends nothing.
-  const bool accepted = OnEndEdit(m_edited, edited);
+  bool accepted = true;
+  if (value->GetValue(edited)) {
+    accepted = OnEndEdit(m_edited, edited);
+  } else {
+    OnLeftWithoutValue();
+  }
   if (alive.isNull()) return;
   m_reporting = false;
   // A box closes whatever is said of its value; only a text can be mended.

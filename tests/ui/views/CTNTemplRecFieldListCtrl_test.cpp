@@ -659,6 +659,31 @@ TEST_F(CTNTemplRecFieldListCtrlTest, ABoxThatIsLeftWithoutAValueAsksForARepaintT
   EXPECT_EQ(told, Lines{"repaint"});
 }
 
+TEST_F(CTNTemplRecFieldListCtrlTest, WhoeverIsAskedForThatRepaintMayShowOtherRows) {
+  AddRecord(Document(), RecordKind::SingleMatch, "header", {Newline()});
+  Fill({Field(FieldKind::SubRecord), Newline()});
+  QObject::connect(list, &CTNTemplateListCtrl::RepaintWanted, list,
+                   [this] { list->ShowFields(nullptr); });
+  ASSERT_NE(OpenCombo(0, Col::MatchValue), nullptr);
+  neighbour->setFocus();
+  Settle();
+  EXPECT_FALSE(list->IsEditing());
+  EXPECT_EQ(list->model()->rowCount(), 0);
+}
+
+TEST_F(CTNTemplRecFieldListCtrlTest, WhoeverIsAskedForThatRepaintMayDeleteTheList) {
+  AddRecord(Document(), RecordKind::SingleMatch, "header", {Newline()});
+  Fill({Field(FieldKind::SubRecord), Newline()});
+  const QPointer<QWidget> alive(list);
+  QObject::connect(list, &CTNTemplateListCtrl::RepaintWanted, neighbour, [this] { delete list; });
+  CTNParserComboBox* const box = OpenCombo(0, Col::MatchValue);
+  ASSERT_NE(box, nullptr);
+  QTest::keyClick(box->view(), Qt::Key_Tab);
+  Settle();
+  EXPECT_TRUE(alive.isNull());
+  EXPECT_FALSE(Document().IsModified());
+}
+
 TEST_F(CTNTemplRecFieldListCtrlTest, ASubRecordOfTheSameTextIsLookedForAgain) {
   Fill({SubRecord("A2"), SubRecord("A1"), Newline()});
   AddPins();
