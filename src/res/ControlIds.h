@@ -40,6 +40,8 @@ enum class Ctrl : int {
   InputFileActions = 3103,
   EntityRecords = 10001,
   AuxiliaryRecords = 10002,
+  RecentTemplates = 10003,
+  RecentInputs = 10004,
 
   // Lists.
   InPlaceCombo = 3022,
