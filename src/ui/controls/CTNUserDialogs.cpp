@@ -74,6 +74,7 @@ class QtUserDialogs final : public CTNUserDialogs {
                        parent != nullptr ? parent->window() : nullptr);
     // Texts of files and templates stand in messages: none of them is markup.
     window.setTextFormat(Qt::PlainText);
+    window.setInformativeText(FittingText(box.reason));
     window.setEscapeButton(EscapeOf(box.buttons));
     return AnswerOf(window.exec());
   }

@@ -17,6 +17,7 @@ struct BoxSpec {
   QString text;
   BoxIcon icon = BoxIcon::None;
   BoxButtons buttons = BoxButtons::Ok;
+  QString reason = {};  // What the text leaves open, shown below it in smaller letters.
 };
 
 /// The one way to everything that waits for the user's answer: message boxes, file dialogs and

@@ -94,7 +94,7 @@ QWidget* CTNInFilePropPage::MakeFilterRow() {
   auto* const label = new QLabel(WithMnemonic(Msg::FilterLabel, 'F'));
   label->setBuddy(m_filter);
 
-  m_isExpression = new QCheckBox(WithMnemonic(Msg::FilterIsExpression, 'x'));
+  m_isExpression = new QCheckBox(WithMnemonic(Msg::FilterIsExpression, 'R'));
   SetControlId(*m_isExpression, Ctrl::FilterIsExpression);
   m_isExpression->setAccessibleName(MessageText(Msg::FilterIsExpression));
   QPushButton* const previous = MakeSearchButton(Ctrl::PreviousUnmatched, Msg::PreviousUnmatched,
@@ -146,13 +146,13 @@ QWidget* CTNInFilePropPage::MakeSwitchRow() {
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(
-      MakeKindSwitch(Ctrl::ShowEntityBlocks, Msg::ShowEntityBlocks, 'E', kShowEntities));
+      MakeKindSwitch(Ctrl::ShowEntityBlocks, Msg::ShowEntityBlocks, 'B', kShowEntities));
   layout->addWidget(
-      MakeKindSwitch(Ctrl::ShowAuxiliaryBlocks, Msg::ShowAuxiliaryBlocks, 'A', kShowAuxiliary));
-  layout->addWidget(MakeKindSwitch(Ctrl::ShowUnmatched, Msg::UnmatchedBlock, 'U', kShowUnmatched));
+      MakeKindSwitch(Ctrl::ShowAuxiliaryBlocks, Msg::ShowAuxiliaryBlocks, 'k', kShowAuxiliary));
+  layout->addWidget(MakeKindSwitch(Ctrl::ShowUnmatched, Msg::UnmatchedBlock, 'a', kShowUnmatched));
   layout->addWidget(MakeKindSwitch(Ctrl::ShowIgnored, Msg::IgnoredBlock, 'I', kShowIgnored));
   layout->addWidget(MakeSwitch(Ctrl::ShowNewlines, Msg::ShowNewlines, 'w', m_newlines));
-  layout->addWidget(MakeSwitch(Ctrl::ShowDataFieldInfo, Msg::ShowDataFieldInfo, 'D', m_markup));
+  layout->addWidget(MakeSwitch(Ctrl::ShowDataFieldInfo, Msg::ShowDataFieldInfo, 'I', m_markup));
   layout->addStretch(1);
   return row;
 }

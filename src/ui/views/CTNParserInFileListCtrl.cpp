@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPainter>
 #include <QScrollBar>
 #include <QStringList>
 #include <QStyle>
@@ -84,6 +85,29 @@ void CTNParserInFileListCtrl::ShowState() {
   if (m_model->rowCount() == 0) return;
   emit m_model->dataChanged(m_model->index(0, 0),
                             m_model->index(m_model->rowCount() - 1, m_model->columnCount() - 1));
+}
+
+void CTNParserInFileListCtrl::SetHint(const QString& hint) {
+  if (hint == m_hint) return;
+  m_hint = hint;
+  setAccessibleDescription(hint);
+  viewport()->update();
+}
+
+void CTNParserInFileListCtrl::paintEvent(QPaintEvent* event) {
+  CTNParserListCtrl::paintEvent(event);
+  if (m_hint.isEmpty() || m_model->rowCount() > 0) return;
+  constexpr int kEdge = 12;
+  QPainter painter(viewport());
+  painter.setPen(palette().color(QPalette::PlaceholderText));
+  painter.drawText(viewport()->rect().adjusted(kEdge, kEdge, -kEdge, -kEdge),
+                   Qt::AlignCenter | Qt::TextWordWrap, m_hint);
+}
+
+std::optional<CTNParsedFileBlock> CTNParserInFileListCtrl::GetSelectedBlock() const {
+  const int row = currentIndex().row();
+  if (row < 0 || !IsRowSelected(row)) return std::nullopt;
+  return m_model->GetBlock(row);
 }
 
 CTNParserInFileListCtrl::Place CTNParserInFileListCtrl::GetPlace() const {

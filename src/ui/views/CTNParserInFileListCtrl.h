@@ -49,7 +49,12 @@ class CTNParserInFileListCtrl final : public CTNParserListCtrl {
   /// Shows what has become of the results: they are stale now, or are no longer.
   void ShowState();
 
+  /// What is said in the middle of the list while it has no rows.
+  void SetHint(const QString& hint);
+
   const CTNParserInFileModel& GetModel() const { return *m_model; }
+  /// The block of the row that was selected last, if that still is selected.
+  std::optional<CTNParsedFileBlock> GetSelectedBlock() const;
   /// Selects the next unmatched line, going on at the other end of the list.
   UnmatchedFound GoToUnmatched(SearchDirection direction);
   /// The text of the rows gathered last, without markup and marks, a line feed behind each.
@@ -80,6 +85,7 @@ class CTNParserInFileListCtrl final : public CTNParserListCtrl {
   int sizeHintForColumn(int column) const override;
   void keyPressEvent(QKeyEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 
  protected slots:
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
@@ -113,6 +119,7 @@ class CTNParserInFileListCtrl final : public CTNParserListCtrl {
   CTNParserInFileModel* m_model;
   const CTNParserInFile* m_file = nullptr;  // Not owned.
   CTNParserInFileModel::Options m_options;
+  QString m_hint;
   std::optional<Place> m_place;  // Not brought back yet, wholly or in part.
   bool m_bringingBack = false;
   std::vector<std::pair<int, int>> m_newlySelected;  // Rows, to be reported.

@@ -30,10 +30,10 @@ struct Counter {
 
 /// The counts of lines, which stand in one column, and those of blocks, which stand beside it.
 constexpr std::array<Counter, 7> kCounters = {{
-    {Ctrl::TotalLines, Msg::TotalLines, 'L', [](const auto& stats) { return stats.totalLines; }},
+    {Ctrl::TotalLines, Msg::TotalLines, 'F', [](const auto& stats) { return stats.totalLines; }},
     {Ctrl::ParseableLines, Msg::ParseableLines, 'P',
      [](const auto& stats) { return stats.ParseableLines(); }},
-    {Ctrl::MatchedLines, Msg::MatchedLines, 'M',
+    {Ctrl::MatchedLines, Msg::MatchedLines, 'd',
      [](const auto& stats) { return stats.MatchedLines(); }},
     {Ctrl::UnmatchedLines, Msg::UnmatchedLines, 'U',
      [](const auto& stats) { return stats.unmatchedLines; }},

@@ -111,6 +111,7 @@ bool FakeHostApp::WriteProfileInt(std::string_view section, std::string_view key
 BoxAnswer FakeUserDialogs::Ask(QWidget*, const BoxSpec& box) {
   boxes.push_back(std::string(NameOf(box.icon)) + "|" + box.caption.toStdString() + "|" +
                   box.text.toStdString() + "|" + NameOf(box.buttons));
+  if (!box.reason.isEmpty()) boxes.back() += "|" + box.reason.toStdString();
   if (whileAsking) whileAsking();
   if (box.buttons == BoxButtons::Ok) return BoxAnswer::Ok;
   if (answers.empty()) {

@@ -52,6 +52,7 @@ class FakeUserDialogs final : public CTNUserDialogs {
   bool Run(QDialog& dialog) override;
 
   /// The boxes shown so far, each as "icon|caption|text|buttons": "error|BOM Parser|Broken|Ok".
+  /// Where a box says more below its text, that follows behind another bar.
   std::vector<std::string> boxes;
   std::deque<BoxAnswer> answers;
   /// What becomes of the dialogs to come: each gets the shown dialog and says whether it ends as
