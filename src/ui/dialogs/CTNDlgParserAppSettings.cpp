@@ -5,6 +5,7 @@
 #include "ui/controls/Mnemonic.h"
 #include "ui/dialogs/EditCheck.h"
 #include "ui/dialogs/FolderBrowser.h"
+#include "ui/dialogs/ParserSettings.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -22,7 +23,7 @@
 namespace bomparser {
 namespace {
 
-constexpr NumberRange<int> kTabStops{0, 50};
+constexpr NumberRange<int> kTabStops{ParserSettings::kLeastTabStop, ParserSettings::kMostTabStop};
 
 struct TriggerTitle {
   Msg text;

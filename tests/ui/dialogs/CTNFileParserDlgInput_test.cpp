@@ -1,0 +1,573 @@
+#include "tests/ui/dialogs/MainDialogTest.h"
+#include "ui/controls/CProgressWnd.h"
+
+#include <QPushButton>
+#include <filesystem>
+
+namespace bomparser::test {
+namespace {
+
+class MainDialogInputTest : public MainDialogTest {};
+
+// Open.
+
+TEST_F(MainDialogInputTest, OpeningAnInputFileAppliesTheCurrentTemplateAtOnceEvenAnEmptyOne) {
+  OpenText("a\nb\n");
+  EXPECT_EQ(Flags(), "applied");
+  EXPECT_EQ(Column(Rows(), 1), (Texts{"Unmatched", "Unmatched"}));
+  EXPECT_EQ(TextOf(Ctrl::InputFile), PathOf("input.txt"));
+  EXPECT_EQ(Buttons(), "OCFAUE");
+  EXPECT_TRUE(dialogs.boxes.empty());
+}
+
+TEST_F(MainDialogInputTest, OpenOffersTextFilesOfTheInputFolder) {
+  MakeFolder("inputs");
+  host.profile["BOM Parser/INPUT_FILE_PATH"] = PathOf("inputs");
+  dialogs.runs.emplace_back([this](QDialog& shown) {
+    auto& files = dynamic_cast<CTNInFileOpenSaveDialog&>(shown);
+    EXPECT_EQ(files.acceptMode(), QFileDialog::AcceptOpen);
+    EXPECT_EQ(files.fileMode(), QFileDialog::ExistingFile);
+    EXPECT_EQ(files.directory().absolutePath().toStdString(), PathOf("inputs"));
+    EXPECT_EQ(files.nameFilters().size(), 3);
+    return false;
+  });
+  Press(Ctrl::OpenInput);
+}
+
+TEST_F(MainDialogInputTest, OpenWithAListThatWasAppliedButNotOutputAsksFirstAndNoDiscardsIt) {
+  LoadAndOpen();
+  WillAnswer(BoxAnswer::No);
+  OpenText("b\n", "other.txt");
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskOutput});
+  EXPECT_EQ(TextOf(Ctrl::InputFile), PathOf("other.txt"));
+  EXPECT_EQ(Column(Rows(), 1), (Texts{"line (E1)"}));
+}
+
+TEST_F(MainDialogInputTest, OpenWithAnEmptyTemplateAsksForTheListAsWell) {
+  OpenText("a\n");
+  WillAnswer(BoxAnswer::Cancel);
+  Press(Ctrl::OpenInput);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskOutput});
+}
+
+TEST_F(MainDialogInputTest, OpenAfterOutputAsksNothing) {
+  LoadAndOpen();
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  OpenText("b\n", "other.txt");
+  EXPECT_TRUE(dialogs.boxes.empty());
+  EXPECT_EQ(Flags(), "applied") << "the other file's list is not output";
+}
+
+TEST_F(MainDialogInputTest, YesToOutputAtOpenWritesTheListFirst) {
+  LoadAndOpen();
+  WillAnswer(BoxAnswer::Yes);
+  WillChoose("list.xml");
+  OpenText("b\n", "other.txt");
+  EXPECT_EQ(BytesOf("list.xml"), ListOfWords({"a", "b"}));
+  EXPECT_EQ(TextOf(Ctrl::InputFile), PathOf("other.txt"));
+}
+
+TEST_F(MainDialogInputTest, OpenStopsWhenTheOutputThatWasAskedForIsCancelled) {
+  LoadAndOpen();
+  WillAnswer(BoxAnswer::Yes);
+  WillCancel();
+  Dialog();
+  const std::string before = State();
+  Press(Ctrl::OpenInput);
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, CancelInThePromptOfOpenLeavesEverythingAsItWas) {
+  LoadAndOpen();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::Cancel);
+  Press(Ctrl::OpenInput);
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, CancelInTheFileDialogOfOpenLeavesEverythingAsItWas) {
+  LoadAndOpen();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::No);
+  WillCancel();
+  Press(Ctrl::OpenInput);
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, AFileThatCannotBeOpenedIsToldOfAndLeavesTheButtonsOff) {
+  LoadAndOpen();
+  WillAnswer(BoxAnswer::No);
+  WillChoose("nowhere.txt");
+  Press(Ctrl::OpenInput);
+  ASSERT_EQ(dialogs.boxes.size(), 2U);
+  EXPECT_EQ(dialogs.boxes[1], "error|BOM Parser|cannot read " + PathOf("nowhere.txt") +
+                                  ": No such file or directory|Ok");
+  EXPECT_EQ(Buttons(), "O.....");
+  EXPECT_EQ(Rows().model()->rowCount(), 0);
+  EXPECT_EQ(TextOf(Ctrl::InputFile), "");
+}
+
+TEST_F(MainDialogInputTest, TheFoldersOfWhatWasOpenedAndWrittenAreRemembered) {
+  MakeFolder("inputs");
+  MakeFolder("lists");
+  Load(TemplateFor("a"));
+  OpenText("a\n", "inputs/a.txt");
+  WillChoose("lists/a.xml");
+  Press(Ctrl::OutputEntityList);
+  Press(Ctrl::Exit);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(host.profile["BOM Parser/INPUT_FILE_PATH"], PathOf("lists"));
+  EXPECT_EQ(host.profile["BOM Parser/OUTPUT_FILE_PATH_NAME"], PathOf("lists/a.xml"));
+  EXPECT_EQ(host.profile["BOM Parser/TEMPLATE_FILE_PATH"], Folder());
+}
+
+TEST_F(MainDialogInputTest, AFailedOpenRemembersNoFolder) {
+  MakeFolder("inputs");
+  WillChoose("inputs/nowhere.txt");
+  Press(Ctrl::OpenInput);
+  Press(Ctrl::Exit);
+  EXPECT_EQ(host.profile["BOM Parser/INPUT_FILE_PATH"], Folder());
+}
+
+/// Cancels the progress window that appears, as its button does.
+class CancelledProgress : public QObject {
+ public:
+  CancelledProgress() { QApplication::instance()->installEventFilter(this); }
+  int seen = 0;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    auto* const window = qobject_cast<CProgressWnd*>(watched);
+    if (window != nullptr && event->type() == QEvent::Show) {
+      ++seen;
+      QMetaObject::invokeMethod(
+          window, [window] { window->Cancel(); }, Qt::QueuedConnection);
+    }
+    return false;
+  }
+};
+
+TEST_F(MainDialogInputTest, AnOpenThatIsCancelledIsAnErrorBoxAndLeavesTheButtonsOff) {
+  Load(TemplateFor("a"));
+  const CancelledProgress cancel;
+  OpenText("a\n");
+  EXPECT_EQ(cancel.seen, 1);
+  EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Operation cancelled|Ok"});
+  EXPECT_EQ(Buttons(), "O.....");
+}
+
+// Close.
+
+TEST_F(MainDialogInputTest, CloseAbandonsTheFileAndTurnsFiveButtonsOff) {
+  LoadAndOpen();
+  WillAnswer(BoxAnswer::No);
+  Press(Ctrl::CloseInput);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskOutput});
+  EXPECT_EQ(Buttons(), "O.....");
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(Rows().model()->rowCount(), 0);
+  EXPECT_EQ(TextOf(Ctrl::InputFile), "");
+}
+
+TEST_F(MainDialogInputTest, CloseWithAnEmptyTemplateAsksNothing) {
+  OpenText("a\n");
+  Press(Ctrl::CloseInput);
+  EXPECT_TRUE(dialogs.boxes.empty());
+  EXPECT_EQ(Buttons(), "O.....");
+}
+
+TEST_F(MainDialogInputTest, CloseAsksAgainWhenTheListThatWasOutputIsStale) {
+  LoadAndOpen();
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  AddStaleRecord();
+  WillAnswer(BoxAnswer::Cancel);
+  const std::string before = State();
+  Press(Ctrl::CloseInput);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskOutput});
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, CloseAfterOutputAsksNothing) {
+  LoadAndOpen();
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  Press(Ctrl::CloseInput);
+  EXPECT_TRUE(dialogs.boxes.empty());
+}
+
+TEST_F(MainDialogInputTest, YesToOutputAtCloseWritesTheListAndCloses) {
+  LoadAndOpen();
+  WillAnswer(BoxAnswer::Yes);
+  WillChoose("list.xml");
+  Press(Ctrl::CloseInput);
+  EXPECT_EQ(BytesOf("list.xml"), ListOfWords({"a", "b"}));
+  EXPECT_EQ(Buttons(), "O.....");
+}
+
+// Apply.
+
+TEST_F(MainDialogInputTest, ApplyReadsTheFileAfreshFromTheDisk) {
+  LoadAndOpen();
+  WriteFile("input.txt", "b\n");
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(Column(Rows(), 2), (Texts{"b"}));
+  EXPECT_EQ(Flags(), "applied");
+}
+
+TEST_F(MainDialogInputTest, ApplyTakesAFileThatWasPutInTheOldOnesPlace) {
+  LoadAndOpen();
+  WriteFile("new.txt", "x\n");
+  std::filesystem::rename(PathOf("new.txt"), PathOf("input.txt"));
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(Column(Rows(), 2), (Texts{"x"}));
+}
+
+TEST_F(MainDialogInputTest, ApplyOnAVanishedFileSaysItWasNotOpenedAndKeepsThePath) {
+  LoadAndOpen();
+  std::filesystem::remove(PathOf("input.txt"));
+  Press(Ctrl::ApplyTemplate);
+  ASSERT_EQ(dialogs.boxes.size(), 1U);
+  EXPECT_EQ(dialogs.boxes[0], "error|BOM Parser|Input file not opened for read|Ok|cannot read " +
+                                  PathOf("input.txt") + ": No such file or directory");
+  EXPECT_EQ(TextOf(Ctrl::InputFile), PathOf("input.txt"));
+  EXPECT_EQ(Buttons(), "OCFAUE") << "who puts the file back can apply again";
+  WriteFile("input.txt", "b\n");
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(Flags(), "applied");
+}
+
+TEST_F(MainDialogInputTest, ApplyKeepsWhatWasOutputAsDone) {
+  LoadAndOpen();
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(Flags(), "applied done");
+}
+
+TEST_F(MainDialogInputTest, AnApplicationThatIsCancelledLeavesTheOldRows) {
+  LoadAndOpen();
+  const auto rows = Column(Rows(), 1);
+  const CancelledProgress cancel;
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(cancel.seen, 1);
+  EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Operation cancelled|Ok"});
+  EXPECT_EQ(Column(Rows(), 1), rows);
+  EXPECT_EQ(Flags(), "applied");
+  EXPECT_TRUE(IsOpen());
+}
+
+TEST_F(MainDialogInputTest, TheViewTakesNoInputWhileTheTemplateIsApplied) {
+  LoadAndOpen();
+  Rows().setFocus();
+  bool enabled = true;
+  dialogs.whileAsking = [] {};
+  class Watch : public QObject {
+   public:
+    Watch(QWidget& view, bool& on) : m_view(view), m_on(on) {
+      QApplication::instance()->installEventFilter(this);
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+      if (qobject_cast<CProgressWnd*>(watched) != nullptr && event->type() == QEvent::Show)
+        m_on = m_view.isEnabled();
+      return false;
+    }
+
+   private:
+    QWidget& m_view;
+    bool& m_on;
+  } const watch(Rows(), enabled);
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_FALSE(enabled);
+  EXPECT_TRUE(Rows().isEnabled());
+}
+
+// Find.
+
+TEST_F(MainDialogInputTest, FindLoadsTheBestTemplateAndTellsHowManyBlocksMatched) {
+  MakeFolder("library");
+  Engine().SetTemplateSearchPath(PathOf("library"));
+  WriteFile("library/one.xml", TemplateFor("a"));
+  WriteFile("library/two.xml", TemplateFor("a|b"));
+  OpenText("a\nx\nb\n");
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(dialogs.boxes,
+            Boxes{"information|BOM Parser|Template file two.xml (untitled) matched 2 of 3 "
+                  "parseable blocks in file (66.67%).|Ok"});
+  EXPECT_EQ(TextOf(Ctrl::TemplateFile), PathOf("library/two.xml"));
+  EXPECT_EQ(Column(Rows(), 1), (Texts{"line (E1)", "Unmatched", "line (E1)"}));
+  EXPECT_TRUE(Records().IsRowSelected(0)) << "the first record is selected";
+  EXPECT_EQ(Fields().model()->rowCount(), 2);
+}
+
+TEST_F(MainDialogInputTest, FindWithoutASearchPathSaysSo) {
+  OpenText("a\n");
+  Engine().SetTemplateSearchPath("");
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(dialogs.boxes,
+            Boxes{"error|BOM Parser|No template search path currently specified|Ok"});
+}
+
+TEST_F(MainDialogInputTest, FindWithAWrongSearchPathNamesIt) {
+  OpenText("a\n");
+  Engine().SetTemplateSearchPath(PathOf("nowhere"));
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Template search path " + PathOf("nowhere") +
+                                 " is not valid|Ok"});
+}
+
+TEST_F(MainDialogInputTest, FindWithAModifiedTemplateOffersToSaveItAndCancelStops) {
+  LoadAndOpen();
+  AddStaleRecord();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::Cancel);
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(dialogs.boxes, Boxes{"question|BOM Parser|Would you like to save currently loaded "
+                                 "template?|YesNoCancel"});
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, FindStopsWhenTheSavingThatWasAskedForFails) {
+  LoadAndOpen();
+  AddStaleRecord();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::Yes);
+  WillCancel();
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, FindSavesTheModifiedTemplateWhenTheUserWantsThat) {
+  LoadAndOpen();
+  AddStaleRecord();
+  WillAnswer(BoxAnswer::Yes);
+  WillChoose("saved.xml");
+  Press(Ctrl::FindTemplate);
+  EXPECT_NE(BytesOf("saved.xml").find("New Record"), std::string::npos);
+  EXPECT_FALSE(Engine().IsTemplateModified());
+}
+
+TEST_F(MainDialogInputTest, ASearchThatIsCancelledIsAnErrorBox) {
+  WriteFile("one.xml", TemplateFor("a"));
+  OpenText("a\n");
+  const CancelledProgress cancel;
+  Press(Ctrl::FindTemplate);
+  EXPECT_GE(cancel.seen, 1);
+  EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Operation cancelled|Ok"});
+  EXPECT_TRUE(Records().isEnabled());
+  EXPECT_TRUE(Fields().isEnabled());
+}
+
+// Output.
+
+TEST_F(MainDialogInputTest, OutputWritesTheListAndRemembersIt) {
+  LoadAndOpen();
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(BytesOf("list.xml"), ListOfWords({"a", "b"}));
+  EXPECT_EQ(Flags(), "applied done");
+  EXPECT_EQ(InFile().GetOutputPath(), PathOf("list.xml"));
+}
+
+TEST_F(MainDialogInputTest, OutputProposesTheInputFilesTitleUpToItsFirstPeriod) {
+  OpenText("a\n", "board.rev.2.txt");
+  dialogs.runs.emplace_back([this](QDialog& shown) {
+    auto& files = dynamic_cast<CTNInFileOpenSaveDialog&>(shown);
+    EXPECT_EQ(files.acceptMode(), QFileDialog::AcceptSave);
+    EXPECT_EQ(files.GetPathName(), PathOf("board.xml"));
+    EXPECT_FALSE(files.testOption(QFileDialog::DontConfirmOverwrite));
+    return false;
+  });
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(Flags(), "applied");
+}
+
+TEST_F(MainDialogInputTest, OutputWithAStaleTemplateOffersToApplyAgainAndNoNeverWritesAFile) {
+  LoadAndOpen();
+  AddStaleRecord();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::No);
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, (Boxes{kAskReapply, kApplyFirst}));
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, YesToApplyingAgainOutputsTheNewList) {
+  LoadAndOpen();
+  AddStaleRecord();
+  WillAnswer(BoxAnswer::Yes);
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskReapply});
+  EXPECT_EQ(BytesOf("list.xml"), ListOfWords({"a", "b"}));
+  EXPECT_EQ(Flags(), "applied done");
+}
+
+TEST_F(MainDialogInputTest, CancelToApplyingAgainStops) {
+  LoadAndOpen();
+  AddStaleRecord();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::Cancel);
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskReapply});
+  EXPECT_EQ(State(), before);
+}
+
+class MainDialogUnappliedTest : public MainDialogTest {
+ protected:
+  /// The file is away, so that the latest application failed.
+  void LoseInput() {
+    LoadAndOpen();
+    std::filesystem::rename(PathOf("input.txt"), PathOf("away.txt"));
+    Press(Ctrl::ApplyTemplate);
+    dialogs.boxes.clear();
+    ASSERT_FALSE(InFile().IsApplied());
+  }
+};
+
+TEST_F(MainDialogUnappliedTest, OutputOffersToApplyAndNoSaysThatItMustBe) {
+  LoseInput();
+  WillAnswer(BoxAnswer::No);
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, (Boxes{kAskApply, kApplyFirst}));
+}
+
+TEST_F(MainDialogUnappliedTest, CancelLeavesItThere) {
+  LoseInput();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::Cancel);
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskApply});
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogUnappliedTest, YesAppliesAndOutputs) {
+  LoseInput();
+  std::filesystem::rename(PathOf("away.txt"), PathOf("input.txt"));
+  WillAnswer(BoxAnswer::Yes);
+  WillChoose("list.xml");
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, Boxes{kAskApply});
+  EXPECT_EQ(BytesOf("list.xml"), ListOfWords({"a", "b"}));
+}
+
+TEST_F(MainDialogUnappliedTest, YesStopsWhenItStillCannotBeApplied) {
+  LoseInput();
+  WillAnswer(BoxAnswer::Yes);
+  Press(Ctrl::OutputEntityList);
+  ASSERT_EQ(dialogs.boxes.size(), 2U);
+  EXPECT_EQ(dialogs.boxes[1].substr(0, 51), "error|BOM Parser|Input file not opened for read|Ok|");
+}
+
+TEST_F(MainDialogUnappliedTest, EditDoesNothing) {
+  LoseInput();
+  Press(Ctrl::EditInput);
+  EXPECT_TRUE(dialogs.boxes.empty());
+}
+
+TEST_F(MainDialogInputTest, AFailedOutputSaysWhyAndKeepsTheFlagsAsTheyWere) {
+  LoadAndOpen();
+  MakeFolder("folder.xml");
+  const std::string flags = Flags();
+  WillChoose("folder.xml");
+  Press(Ctrl::OutputEntityList);
+  ASSERT_EQ(dialogs.boxes.size(), 1U);
+  EXPECT_EQ(dialogs.boxes[0].rfind("error|BOM Parser|Error outputting file|Ok|", 0), 0U)
+      << dialogs.boxes[0];
+  EXPECT_NE(dialogs.boxes[0].find(PathOf("folder.xml")), std::string::npos);
+  EXPECT_EQ(Flags(), flags);
+  EXPECT_EQ(InFile().GetOutputPath(), "");
+}
+
+TEST_F(MainDialogInputTest, CancelInTheFileDialogOfOutputLeavesEverythingAsItWas) {
+  LoadAndOpen();
+  const std::string before = State();
+  WillCancel();
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(State(), before);
+}
+
+// The results page.
+
+TEST_F(MainDialogInputTest, NoInputFileCommandRunsWhileTheResultsPageIsShown) {
+  LoadAndOpen();
+  ShowResults(true);
+  EXPECT_EQ(Buttons(), "......");
+  ShowResults(false);
+  EXPECT_EQ(Buttons(), "OCFAUE");
+}
+
+TEST_F(MainDialogInputTest, TheResultsPageWithoutAFileGivesBackTheButtonsThatWereOn) {
+  Dialog();
+  ShowResults(true);
+  EXPECT_EQ(Buttons(), "......");
+  ShowResults(false);
+  EXPECT_EQ(Buttons(), "O.....");
+}
+
+TEST_F(MainDialogInputTest, AWorkflowChangesTheButtonsThatComeBackAfterTheResultsPage) {
+  LoadAndOpen();
+  std::filesystem::remove(PathOf("input.txt"));
+  Press(Ctrl::ApplyTemplate);
+  dialogs.boxes.clear();
+  WillAnswer(BoxAnswer::No);
+  WriteFile("input.txt", "a\n");
+  Press(Ctrl::ApplyTemplate);
+  ShowResults(true);
+  Load(TemplateFor("a"), "other.xml");
+  EXPECT_EQ(Buttons(), "......") << "loading applies, and leaves them off here";
+  ShowResults(false);
+  EXPECT_EQ(Buttons(), "OCFAUE");
+  dialogs.answers.clear();
+}
+
+TEST_F(MainDialogInputTest, TheResultsPageFollowsAnAutomaticApplication) {
+  LoadAndOpen();
+  ShowResults(true);
+  auto* const unmatched = FindControl<QLineEdit>(Dialog(), Ctrl::UnmatchedLines);
+  EXPECT_EQ(unmatched->text(), "1");
+  constexpr int kMatchValue = 4;
+  Type(Fields(), 0, kMatchValue, "a");
+  EXPECT_EQ(unmatched->text(), "2");
+}
+
+TEST_F(MainDialogInputTest, AfterAChangeThatIsNotAppliedTheResultsPageShowsSevenZerosAndNoList) {
+  LoadAndOpen();
+  std::string copy;
+  std::string error;
+  ASSERT_TRUE(Engine().GetSideCopyPath(copy, error)) << error;
+  ASSERT_TRUE(std::filesystem::exists(copy));
+  AddStaleRecord();
+  ShowResults(true);
+  for (const Ctrl counter :
+       {Ctrl::TotalLines, Ctrl::ParseableLines, Ctrl::MatchedLines, Ctrl::UnmatchedLines,
+        Ctrl::TotalBlocks, Ctrl::EntityBlocks, Ctrl::AuxiliaryBlocks}) {
+    EXPECT_EQ(TextOf(counter), "0");
+  }
+  EXPECT_FALSE(std::filesystem::exists(copy));
+}
+
+TEST_F(MainDialogInputTest, WithNoFileAppliedTheResultsPageLeavesCountersAndListAsTheyWere) {
+  LoadAndOpen();
+  ShowResults(true);
+  ShowResults(false);
+  WillAnswer(BoxAnswer::No);
+  Press(Ctrl::CloseInput);
+  ShowResults(true);
+  EXPECT_EQ(TextOf(Ctrl::TotalLines), "3");
+}
+
+TEST_F(MainDialogInputTest, TheCopyOfTheListIsWrittenWhenTheProgramIsIdle) {
+  LoadAndOpen();
+  std::string copy;
+  std::string error;
+  // Asking for the path writes it too, so another file is used to find out where it will be.
+  ASSERT_TRUE(Engine().GetSideCopyPath(copy, error)) << error;
+  std::filesystem::remove(copy);
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_TRUE(QTest::qWaitFor([&copy] { return std::filesystem::exists(copy); }, 20'000));
+}
+
+}  // namespace
+}  // namespace bomparser::test
