@@ -249,6 +249,7 @@ void CTNFileParserDlg::ShowPaths() {
   m_templateFile->setText(ToDisplayText(document.GetFilePath()));
   m_templateTitle->setText(ToDisplayText(document.GetTitle()));
   m_inputFile->setText(ToDisplayText(m_engine->GetInputFile()->GetFilePath()));
+  m_templateTitle->setCursorPosition(0);  // Of a path the end says more, of a title the start.
   for (QLineEdit* edit : {m_templateFile, m_templateTitle, m_inputFile})
     edit->setToolTip(AsToolTip(edit->text()));
 }

@@ -87,12 +87,12 @@ QToolButton* CTNFileParserDlg::MakeRecentButton(Ctrl number, Msg text, const Rec
   button->setArrowType(Qt::DownArrow);
   button->setToolTip(MessageText(text));
   button->setAccessibleName(MessageText(text));
-  button->setPopupMode(QToolButton::InstantPopup);
   button->setFocusPolicy(Qt::StrongFocus);
-  // As high as the button that it belongs to.
-  button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
   auto* const menu = new QMenu(button);
-  button->setMenu(menu);
+  // A menu of the button itself would have it draw a second arrow.
+  connect(button, &QToolButton::clicked, menu, [button, menu] {
+    menu->popup(button->mapToGlobal(button->rect().bottomLeft()));
+  });
   connect(menu, &QMenu::aboutToShow, this, [this, menu, &files, open] {
     menu->clear();
     for (const std::string& path : files.GetPaths()) {
@@ -185,8 +185,12 @@ QWidget* CTNFileParserDlg::BuildLists() {
   m_sides = new QSplitter(Qt::Horizontal);
   m_sides->addWidget(m_lists);
   m_sides->addWidget(m_inputSheet);
-  m_sides->setStretchFactor(0, 1);
-  m_sides->setStretchFactor(1, 1);
+  constexpr int kShareOfLists = 45;
+  constexpr int kShareOfInput = 55;
+  m_sides->setSizes({kShareOfLists * m_sides->sizeHint().width(),
+                     kShareOfInput * m_sides->sizeHint().width()});
+  m_sides->setStretchFactor(0, kShareOfLists);
+  m_sides->setStretchFactor(1, kShareOfInput);
   for (QSplitter* splitter : {m_lists, m_sides})
     splitter->setChildrenCollapsible(false);
   return m_sides;

@@ -25,7 +25,7 @@ class MainDialogTestOfItself : public MainDialogTest {
   QToolButton& RecentButton(Ctrl number) { return *FindControl<QToolButton>(Dialog(), number); }
   /// The menu of the recently used files as it would open now.
   Texts RecentMenu(Ctrl number) {
-    QMenu& menu = *RecentButton(number).menu();
+    QMenu& menu = *RecentButton(number).findChild<QMenu*>();
     emit menu.aboutToShow();
     Texts items;
     for (const QAction* item : menu.actions())
@@ -34,7 +34,7 @@ class MainDialogTestOfItself : public MainDialogTest {
     return items;
   }
   void ChooseRecent(Ctrl number, int item) {
-    QMenu& menu = *RecentButton(number).menu();
+    QMenu& menu = *RecentButton(number).findChild<QMenu*>();
     emit menu.aboutToShow();
     menu.actions().at(item)->trigger();
     Settle();
@@ -410,6 +410,16 @@ TEST_F(MainDialogTestOfItself, FilesThatWereUsedAreOfferedAgainTheLatestFirst) {
   ChooseRecent(Ctrl::RecentInputs, 1);
   EXPECT_EQ(TextOf(Ctrl::InputFile), PathOf("one.txt"));
   EXPECT_EQ(RecentMenu(Ctrl::RecentInputs), (Texts{PathOf("one.txt"), PathOf("two.txt")}));
+}
+
+TEST_F(MainDialogTestOfItself, TheMenuOfRecentFilesOpensByMouseAndKeys) {
+  OpenText("a\n", "one.txt");
+  QTest::mouseClick(&RecentButton(Ctrl::RecentInputs), Qt::LeftButton);
+  EXPECT_EQ(OpenMenu()->actions().size(), 1);
+  OpenMenu()->close();
+  QTest::keyClick(&RecentButton(Ctrl::RecentTemplates), Qt::Key_Space);
+  EXPECT_EQ(MenuText(*OpenMenu()), "[No recent files]\n");
+  OpenMenu()->close();
 }
 
 TEST_F(MainDialogTestOfItself, ARecentFileAsksAsOpenAndLoadDo) {
