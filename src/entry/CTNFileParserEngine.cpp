@@ -258,18 +258,28 @@ bool CTNFileParserEngine::WriteEntityList(const std::function<bool(std::string_v
          });
 }
 
-bool CTNFileParserEngine::OutputEntityList(const std::string& path, std::string& error) {
+bool CTNFileParserEngine::OutputEntityList(const std::string& path, std::string& error,
+                                           const std::function<bool()>& mayGoOn) {
   error.clear();
-  return m_valid && Guard(error, [&] { return WriteEntityListFile(path, error); });
+  return m_valid && Guard(error, [&] { return WriteEntityListFile(path, error, mayGoOn); });
 }
 
-bool CTNFileParserEngine::WriteEntityListFile(const std::string& path, std::string& error) {
+bool CTNFileParserEngine::WriteEntityListFile(const std::string& path, std::string& error,
+                                              const std::function<bool()>& mayGoOn) {
   std::string written = path;
   AtomicFile file;
   if (!file.Open(path, AtomicFile::Durability::Renamed, error)) return false;
-  const auto write = [&file, &error](std::string_view piece) { return file.Write(piece, error); };
+  bool cancelled = false;
+  const auto write = [&](std::string_view piece) {
+    cancelled = mayGoOn && !mayGoOn();
+    return !cancelled && file.Write(piece, error);
+  };
   if (!WriteEntityList(write, error) || !file.Commit(error)) {
-    ReportError(error, ErrorShown::Later);
+    if (cancelled) {
+      error = GetMessageText(Msg::OperationCancelled);
+    } else {
+      ReportError(error, ErrorShown::Later);
+    }
     return false;
   }
   m_inputFile->SetOutputPath(std::move(written));

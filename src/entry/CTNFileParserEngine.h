@@ -86,8 +86,10 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool FindTemplate(std::string& error, bool& cancelled, ShowProgress show);
   /// Writes the entity list, whole or not at all, and remembers the path as that of the latest
   /// output. On failure `error` says why; what fails once the file was begun is also an entry of
-  /// the error log.
-  bool OutputEntityList(const std::string& path, std::string& error);
+  /// the error log. `mayGoOn` is asked before every piece of a few hundred KiB: false cancels, and
+  /// nothing is written.
+  bool OutputEntityList(const std::string& path, std::string& error,
+                        const std::function<bool()>& mayGoOn = {});
   /// Hands the entity list to a sink in pieces. False when the sink stopped it, who knows why, or
   /// when memory ran out or the input was cut short meanwhile, which `error` then says.
   bool WriteEntityList(const std::function<bool(std::string_view)>& sink, std::string& error) const;
@@ -145,7 +147,8 @@ class CTNFileParserEngine final : public CTNParserContext {
   bool SearchFolder(std::string& error, bool& cancelled, ShowProgress show);
   bool ReadTemplate(const std::string& path);
   bool WriteTemplate(const std::string& path, std::string& error);
-  bool WriteEntityListFile(const std::string& path, std::string& error);
+  bool WriteEntityListFile(const std::string& path, std::string& error,
+                           const std::function<bool()>& mayGoOn);
   void ReportLoadFailure(const std::string& path, int status);
   std::string SideCopyName() const;
   void OweSideCopy();

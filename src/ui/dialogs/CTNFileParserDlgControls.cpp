@@ -90,9 +90,8 @@ QToolButton* CTNFileParserDlg::MakeRecentButton(Ctrl number, Msg text, const Rec
   button->setFocusPolicy(Qt::StrongFocus);
   auto* const menu = new QMenu(button);
   // A menu of the button itself would have it draw a second arrow.
-  connect(button, &QToolButton::clicked, menu, [button, menu] {
-    menu->popup(button->mapToGlobal(button->rect().bottomLeft()));
-  });
+  connect(button, &QToolButton::clicked, menu,
+          [button, menu] { menu->popup(button->mapToGlobal(button->rect().bottomLeft())); });
   connect(menu, &QMenu::aboutToShow, this, [this, menu, &files, open] {
     menu->clear();
     for (const std::string& path : files.GetPaths()) {
@@ -187,8 +186,8 @@ QWidget* CTNFileParserDlg::BuildLists() {
   m_sides->addWidget(m_inputSheet);
   constexpr int kShareOfLists = 45;
   constexpr int kShareOfInput = 55;
-  m_sides->setSizes({kShareOfLists * m_sides->sizeHint().width(),
-                     kShareOfInput * m_sides->sizeHint().width()});
+  m_sides->setSizes(
+      {kShareOfLists * m_sides->sizeHint().width(), kShareOfInput * m_sides->sizeHint().width()});
   m_sides->setStretchFactor(0, kShareOfLists);
   m_sides->setStretchFactor(1, kShareOfInput);
   for (QSplitter* splitter : {m_lists, m_sides})

@@ -3,6 +3,7 @@
 #include "tnbase/TNPath.h"
 #include "ui/controls/CTNOpenSaveDialogs.h"
 #include "ui/controls/DisplayText.h"
+#include "ui/controls/LateProgress.h"
 #include "ui/controls/WaitCursor.h"
 #include "ui/views/CTNInFilePropPage.h"
 #include "ui/views/CTNTemplRecFieldListCtrl.h"
@@ -197,7 +198,9 @@ bool CTNFileParserDlg::WriteEntityList(const std::string& path) {
   bool written = false;
   {
     const WaitCursor wait;
-    written = m_engine->OutputEntityList(path, error);
+    LateProgress progress(Host(), *this,
+                          FormatMessageText(Msg::WritingCaption, TNGetFNameFromPath(path)));
+    written = m_engine->OutputEntityList(path, error, [&progress] { return progress.MayGoOn(); });
   }
   if (!written) {
     ShowFailure(MessageText(Msg::ErrorOutputtingFile), ToDisplayText(error));

@@ -1,8 +1,12 @@
 #include "tests/ui/dialogs/MainDialogTest.h"
 #include "ui/controls/CProgressWnd.h"
+#include "ui/controls/LateProgress.h"
 
 #include <QPushButton>
 #include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <thread>
 
 namespace bomparser::test {
 namespace {
@@ -478,6 +482,31 @@ TEST_F(MainDialogInputTest, AFailedOutputSaysWhyAndKeepsTheFlagsAsTheyWere) {
   EXPECT_NE(dialogs.boxes[0].find(PathOf("folder.xml")), std::string::npos);
   EXPECT_EQ(Flags(), flags);
   EXPECT_EQ(InFile().GetOutputPath(), "");
+}
+
+TEST_F(MainDialogInputTest, AnOutputThatTakesLongCanBeCancelledAndLeavesTheFlagsAsTheyWere) {
+  // More than a pipe takes at once; whoever reads it takes its time.
+  Load(TemplateFor("a"));
+  std::string text;
+  for (int i = 0; i < 40'000; ++i)
+    text += "a\n";
+  OpenText(text);
+  const std::string flags = Flags();
+  ASSERT_EQ(mkfifo(PathOf("slow.xml").c_str(), 0600), 0);
+  std::thread reader([path = PathOf("slow.xml")] {
+    std::ifstream pipe(path, std::ios::binary);
+    std::this_thread::sleep_for(2 * LateProgress::kMoment);
+    std::string piece(1 << 16, '\0');
+    while (pipe.read(piece.data(), static_cast<std::streamsize>(piece.size()))) {
+    }
+  });
+  const CancelledProgress cancel;
+  WillChoose("slow.xml");
+  Press(Ctrl::OutputEntityList);
+  reader.join();
+  EXPECT_EQ(cancel.seen, 1);
+  EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Error outputting file|Ok|Operation cancelled"});
+  EXPECT_EQ(Flags(), flags);
 }
 
 TEST_F(MainDialogInputTest, CancelInTheFileDialogOfOutputLeavesEverythingAsItWas) {

@@ -288,6 +288,19 @@ TEST_F(EngineFilesTest, OutputWritesTheListStoresThePathAndSetsOutputDone) {
   EXPECT_EQ(Flags(), "applied done");
 }
 
+TEST_F(EngineFilesTest, AnOutputThatIsCancelledWritesNothingAndIsNoEntryOfTheLog) {
+  WriteFile("list.xml", "before");
+  Load(TemplateFor("a"));
+  Open("a\n");
+  ASSERT_EQ(Apply(), "ok");
+  std::string error;
+  EXPECT_FALSE(engine.OutputEntityList(PathOf("list.xml"), error, [] { return false; }));
+  EXPECT_EQ(error, "Operation cancelled");
+  EXPECT_EQ(BytesOf("list.xml"), "before");
+  EXPECT_EQ(Flags(), "applied");
+  EXPECT_TRUE(Log().empty());
+}
+
 TEST_F(EngineFilesTest, AListThatCannotBeCreatedIsToldTheCallerOnly) {
   std::string error;
   EXPECT_FALSE(engine.OutputEntityList(PathOf("gone/list.xml"), error));
