@@ -11,7 +11,9 @@ target_link_libraries(bomparser_test_support INTERFACE GTest::gmock bomparser_fm
 set(support_library bomparser_test_support)
 if(support)
   add_library(bomparser_test_support_files STATIC ${support})
-  target_link_libraries(bomparser_test_support_files PUBLIC bomparser_test_support PRIVATE bomparser_flags)
+  target_link_libraries(bomparser_test_support_files
+    PUBLIC bomparser_test_support bomparser_tnbase
+    PRIVATE bomparser_flags)
   # Of these files a test program takes only those that it needs: lower floors lack what others need.
   set_target_properties(bomparser_test_support_files PROPERTIES UNITY_BUILD OFF)
   set(support_library bomparser_test_support_files)

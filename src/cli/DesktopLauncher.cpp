@@ -2,6 +2,7 @@
 
 #include "cli/Command.h"
 #include "cli/Messages.h"
+#include "tnbase/DesktopModule.h"
 #include "tnbase/Display.h"
 #include "tnbase/LoadedModule.h"
 
@@ -28,6 +29,8 @@ ExitStatus Refuse(const std::string& reason) {
   return ExitStatus::Failed;
 }
 
+void RefuseFromModule(const char* reason) { Refuse(reason); }
+
 std::vector<std::string> DesktopArguments(const Options& options) {
   std::vector<std::string> arguments = {"bomparser"};
   if (options.dialogTemplate)
@@ -51,7 +54,8 @@ ExitStatus LaunchDesktop(const Options& options) {
   for (std::string& argument : arguments)
     pointers.push_back(argument.data());
   pointers.push_back(nullptr);
-  return static_cast<ExitStatus>(open(static_cast<int>(arguments.size()), pointers.data()));
+  return static_cast<ExitStatus>(
+      open(static_cast<int>(arguments.size()), pointers.data(), RefuseFromModule));
 }
 
 }  // namespace bomparser

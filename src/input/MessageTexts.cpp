@@ -35,8 +35,9 @@ constexpr bool IsTableSorted() {
 }
 static_assert(IsTableSorted(), "messages.def is searched by number: sorted, each number once");
 
-// Filled on demand and never emptied, so that a text can be asked for while other static objects
-// are made or destroyed. What the pointers lead to stays reachable and ends with the process.
+// Filled on demand and never destroyed, so that a text can be asked for while other static objects
+// are made or destroyed. What the pointers lead to stays reachable and ends with the process,
+// unless it is freed before.
 constinit std::array<std::atomic<const std::string*>, kTableSize> g_texts{};
 
 const std::string& EmptyText() {
@@ -141,6 +142,13 @@ const std::string& GetMessageText(std::uint32_t id) {
 }
 
 const std::string& GetMessageText(Msg id) { return GetMessageText(static_cast<std::uint32_t>(id)); }
+
+void EmptyMessageTexts() {
+  for (std::atomic<const std::string*>& text : g_texts) {
+    const std::unique_ptr<const std::string> freed(
+        text.exchange(nullptr, std::memory_order_acq_rel));
+  }
+}
 
 std::string FormatMessageText(Msg id, std::initializer_list<MessageArgument> arguments) {
   const std::string& text = GetMessageText(id);

@@ -36,12 +36,17 @@ class MessageArgument {
 };
 
 /// The text with the number `id`, as it stands in the table. A number that the table does not hold
-/// gives an empty text. Every call with the same number returns the same object, which lives as
-/// long as the process and never changes.
+/// gives an empty text. Every call with the same number returns the same object, which never
+/// changes and lives as long as the process, or until EmptyMessageTexts.
 ///
 /// May be called before main() and after it, and from any thread.
 const std::string& GetMessageText(std::uint32_t id);
 const std::string& GetMessageText(Msg id);
+
+/// Frees all texts that GetMessageText has returned, for a module that ends: nobody may hold one
+/// any more. A text that is asked for afterwards is made anew, so it does not matter what else ends
+/// later.
+void EmptyMessageTexts();
 
 /// The text of `id` with its printf-style placeholders ("%s", "%d", "%i", "%lf", "%.2f", "%%")
 /// filled from the arguments in order. Numbers are written the same under every locale. A number

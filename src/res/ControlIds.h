@@ -81,6 +81,13 @@ enum class Ctrl : int {
   FindClose = 10045,
   FindOutcome = 10046,
 
+  // Window of the manual.
+  ManualText = 10060,
+  ManualBack = 10061,
+  ManualForward = 10062,
+  ManualContents = 10063,
+  ManualFind = 10064,
+
   // Template parameters dialog.
   ParamUnits = 3030,
   ParamIgnoreBefore = 3032,

@@ -83,14 +83,8 @@ QWidget* CTNDlg::OrNextWithNumber(QWidget* control) {
   return control;
 }
 
-void CTNDlg::ShowPopUp(HelpCommand command, std::vector<HelpPair> pairs, QWidget* control,
-                       const QPoint& screenPoint) {
-  HelpRequest request;
-  request.command = command;
+void CTNDlg::ShowPopUp(HelpRequest request) {
   request.topicFile = m_host.GetHelpFilePath() + GetMessageText(Msg::ContextHelpTopicSuffix);
-  request.pairs = std::move(pairs);
-  request.control = control;
-  request.screenPoint = screenPoint;
   m_host.ShowHelp(request);
 }
 
@@ -99,11 +93,14 @@ void CTNDlg::ShowMenuHelp(QWidget* control, const QPoint& screenPoint) {
   control = OrNextWithNumber(control);
   const int help = GetHelpId(*control);
   if (help == 0) return;
-  ShowPopUp(HelpCommand::ContextMenu, {{static_cast<int>(GetControlId(*control)), help}}, control,
-            screenPoint);
+  ShowPopUp({.command = HelpCommand::ContextMenu,
+             .topicFile = {},
+             .pairs = {{static_cast<int>(GetControlId(*control)), help}},
+             .control = control,
+             .screenPoint = screenPoint});
 }
 
-void CTNDlg::ShowKeyHelp(QWidget* control, const QPoint& screenPoint) {
+void CTNDlg::ShowKeyHelp(QWidget* control, const QPoint& screenPoint, AskedBy askedBy) {
   if (control == nullptr) return;
   control = OrNextWithNumber(control);
   const int number = static_cast<int>(GetControlId(*control));
@@ -113,7 +110,12 @@ void CTNDlg::ShowKeyHelp(QWidget* control, const QPoint& screenPoint) {
                                           : HelpPair(number, GetHelpId(*control)));
   pairs.insert(pairs.end(), kFixedPairs.begin(), kFixedPairs.end());
   pairs.emplace_back(0, 0);
-  ShowPopUp(HelpCommand::HelpKey, std::move(pairs), control, screenPoint);
+  ShowPopUp({.command = HelpCommand::HelpKey,
+             .topicFile = {},
+             .pairs = std::move(pairs),
+             .control = control,
+             .screenPoint = screenPoint,
+             .byKey = askedBy == AskedBy::Key});
 }
 
 bool CTNDlg::event(QEvent* event) {
@@ -126,7 +128,8 @@ bool CTNDlg::event(QEvent* event) {
       // Qt leaves this mode only for texts that it shows itself.
       QWhatsThis::leaveWhatsThisMode();
       const auto* help = static_cast<QHelpEvent*>(event);
-      ShowKeyHelp(ControlAt(mapFromGlobal(help->globalPos())), help->globalPos());
+      ShowKeyHelp(ControlAt(mapFromGlobal(help->globalPos())), help->globalPos(),
+                  AskedBy::Pointing);
       return true;
     }
     default:
@@ -149,7 +152,7 @@ void CTNDlg::keyPressEvent(QKeyEvent* event) {
   if (event->modifiers().testFlag(Qt::ShiftModifier)) {
     QWhatsThis::enterWhatsThisMode();
   } else if (QWidget* control = focusWidget()) {
-    ShowKeyHelp(control, control->mapToGlobal(control->rect().center()));
+    ShowKeyHelp(control, control->mapToGlobal(control->rect().center()), AskedBy::Key);
   }
 }
 

@@ -27,10 +27,11 @@ class CTNDlg : public QDialog {
   QWidget* ControlAt(const QPoint& point);
   /// A label, say, has no number: the control that it stands before has.
   static QWidget* OrNextWithNumber(QWidget* control);
-  void ShowPopUp(HelpCommand command, std::vector<HelpPair> pairs, QWidget* control,
-                 const QPoint& screenPoint);
+  /// Fills in the topic file and asks the host.
+  void ShowPopUp(HelpRequest request);
   void ShowMenuHelp(QWidget* control, const QPoint& screenPoint);
-  void ShowKeyHelp(QWidget* control, const QPoint& screenPoint);
+  enum class AskedBy { Pointing, Key };
+  void ShowKeyHelp(QWidget* control, const QPoint& screenPoint, AskedBy askedBy);
 
   CTNHostApp& m_host;
 };

@@ -27,6 +27,7 @@ struct HelpRequest {
   std::vector<HelpPair> pairs;  // Of a pop-up; that of the help key ends with a pair of zeros.
   QWidget* control = nullptr;   // What it is about; not owned, alive during the call only.
   QPoint screenPoint;
+  bool byKey = false;  // Asked for by F1, not by pointing at the control.
 };
 
 /// The application that opens the dialog. It owns the per-user settings and the help. Played by the

@@ -15,6 +15,8 @@ namespace {
 
 QString FileOf(IconId id) {
   switch (id) {
+    case IconId::Program:
+      return QStringLiteral(":/bomparser/icons/bomparser.svg");
     case IconId::Valid:
       return QStringLiteral(":/bomparser/icons/valid.svg");
     case IconId::Note:

@@ -6,6 +6,7 @@ namespace bomparser {
 
 /// The pictures of the program.
 enum class IconId {
+  Program,           // The program itself.
   Valid,             // An element of the template is in order.
   Note,              // It has a remark.
   Invalid,           // It cannot be used as it is.

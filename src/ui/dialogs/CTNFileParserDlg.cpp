@@ -80,7 +80,7 @@ bool CTNFileParserDlg::Initialise() {
     return false;
   }
   BuildControls();
-  setWindowIcon(Icon(IconId::EntityRecords));
+  setWindowIcon(Icon(IconId::Program));
   EnableInputButtons(m_engine->GetInputFile()->IsApplied());
   LoadSettings();
   RestoreWindow();

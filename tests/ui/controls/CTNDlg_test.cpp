@@ -115,6 +115,15 @@ TEST_F(CTNDlgTest, TheHelpKeyIsAboutTheControlThatHasTheFocus) {
   ASSERT_EQ(host.help.size(), 1U);
   EXPECT_EQ(host.help[0].command, HelpCommand::HelpKey);
   EXPECT_EQ(host.help[0].control, edit);
+  EXPECT_TRUE(host.help[0].byKey);
+}
+
+TEST_F(CTNDlgTest, WhoPointsAtAControlHasNotAskedByKey) {
+  HelpButtonAt(*edit);
+  RightClick(dialog, label->geometry().center());
+  ASSERT_EQ(host.help.size(), 2U);
+  EXPECT_FALSE(host.help[0].byKey);
+  EXPECT_FALSE(host.help[1].byKey);
 }
 
 TEST_F(CTNDlgTest, TheSixButtonsOfEveryDialogHaveHelpOfTheirOwnForTheHelpKeyOnly) {

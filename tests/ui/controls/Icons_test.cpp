@@ -8,8 +8,8 @@
 namespace bomparser::test {
 namespace {
 
-constexpr IconId kAll[] = {IconId::Valid, IconId::Note, IconId::Invalid, IconId::EntityRecords,
-                           IconId::AuxiliaryRecords};
+constexpr IconId kAll[] = {IconId::Program, IconId::Valid,         IconId::Note,
+                           IconId::Invalid, IconId::EntityRecords, IconId::AuxiliaryRecords};
 
 int PaintedPixels(const QImage& image) {
   int painted = 0;

@@ -259,6 +259,18 @@ TEST(MessageTexts, ThreadsGetTheSameObject) {
   EXPECT_EQ(seen[0], seen[1]);
 }
 
+TEST(MessageTexts, WhatWasEmptiedIsMadeAnew) {
+  const std::string before = GetMessageText(Msg::Settings);
+  EmptyMessageTexts();
+  const std::string& anew = GetMessageText(Msg::Settings);
+  EXPECT_EQ(anew, before);
+  EXPECT_EQ(&GetMessageText(Msg::Settings), &anew);
+  EmptyMessageTexts();
+  EmptyMessageTexts();
+  EXPECT_EQ(GetMessageText(Msg::Settings), before);
+  EXPECT_EQ(GetMessageText(kNoMessage), "");
+}
+
 TEST(FormatMessageText, FillsPlaceholdersInOrder) {
   const std::string field = "F3";
   EXPECT_EQ(FormatMessageText(Msg::DataMismatch, field), "Data mismatch encountered at field F3");
