@@ -3,6 +3,11 @@ set(check_layers "${PROJECT_SOURCE_DIR}/scripts/check_layers.py")
 add_test(NAME layers COMMAND Python3::Interpreter "${check_layers}")
 add_test(NAME layers_self_test COMMAND Python3::Interpreter "${check_layers}" --self-test)
 
+# The manual leaves nothing out and leads nowhere wrong.
+set(check_manual "${PROJECT_SOURCE_DIR}/scripts/check_manual.py")
+add_test(NAME manual COMMAND Python3::Interpreter "${check_manual}")
+add_test(NAME manual_self_test COMMAND Python3::Interpreter "${check_manual}" --self-test)
+
 # Every header compiles alone. One with a source file of its name is the first that this includes (the layers test sees
 # to it), so the others are left. libxml2 is left out on purpose: no header may need it but by its one door.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/src/*.h")
