@@ -81,6 +81,7 @@ void CTNFileParserEngine::NewTemplate() {
   if (!m_valid) return;
   m_inputFile->SetStale(true);
   m_template->Init();
+  m_templateStamp.reset();
 }
 
 bool CTNFileParserEngine::LoadTemplate(const std::string& path) {
@@ -95,6 +96,7 @@ bool CTNFileParserEngine::LoadTemplate(const std::string& path) {
 
 bool CTNFileParserEngine::ReadTemplate(const std::string& path) {
   NewTemplate();
+  const std::optional<FileStamp> stamp = StampOf(path);  // Before: it may change while it is read.
   const int status = m_template->LoadFromFile(path);
   if (status != kXmlOk) {
     ReportLoadFailure(path, status);
@@ -102,6 +104,7 @@ bool CTNFileParserEngine::ReadTemplate(const std::string& path) {
   }
   m_template->SetFilePath(path);
   m_template->ClearModified();
+  m_templateStamp = stamp;
   return true;
 }
 
@@ -146,7 +149,14 @@ bool CTNFileParserEngine::WriteTemplate(const std::string& path, std::string& er
   }
   m_template->SetFilePath(std::move(saved));
   m_template->ClearModified();
+  m_templateStamp = StampOf(path);
   return true;
+}
+
+bool CTNFileParserEngine::IsTemplateFileChanged(const std::string& path) const {
+  if (!m_valid || !m_templateStamp) return false;
+  const std::optional<FileStamp> now = StampOf(path);
+  return now && now != m_templateStamp && AreSameFile(path, m_template->GetFilePath());
 }
 
 bool CTNFileParserEngine::IsTemplateModified() const { return m_valid && m_template->IsModified(); }

@@ -4,6 +4,7 @@
 #include "input/roles/CTNFrontEnd.h"
 #include "input/roles/CTNParserContext.h"
 #include "template/CTNParserTemplate.h"
+#include "tnbase/FileStamp.h"
 #include "tnbase/PrivateFolder.h"
 
 #include <algorithm>
@@ -74,6 +75,9 @@ class CTNFileParserEngine final : public CTNParserContext {
   /// error log.
   bool SaveTemplate(const std::string& path);
   bool IsTemplateModified() const;
+  /// True when the path leads to the template's own file and somebody else has written that since
+  /// it was loaded or saved here.
+  bool IsTemplateFileChanged(const std::string& path) const;
 
   /// Applies the template to the input file. After success the side copy, if that is on, is owed;
   /// see WriteOwedSideCopy.
@@ -164,6 +168,8 @@ class CTNFileParserEngine final : public CTNParserContext {
   void GiveUpSearch(const Search& search, const std::string& startPath);
 
   std::unique_ptr<CTNParserTemplate> m_template;
+  std::optional<FileStamp>
+      m_templateStamp;  // Of its file as it was read or written; if it has one.
   std::unique_ptr<CTNParserInFile> m_inputFile;
   std::string m_searchPath;
   int m_tabStop = kDefaultTabStop;

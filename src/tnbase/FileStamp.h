@@ -16,7 +16,8 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
-/// The stamp of the file at the path, links followed; none where there is no file.
+/// The stamp of the file at the path, links followed; none where there is no file, or no memory to
+/// ask for it.
 std::optional<FileStamp> StampOf(const std::string& path);
 
 /// True when both paths lead to one file that exists.

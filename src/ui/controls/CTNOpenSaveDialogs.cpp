@@ -51,12 +51,17 @@ CTNOpenSaveDialog::CTNOpenSaveDialog(const Kind& kind, FileDialogUse use, const 
 }
 
 void CTNOpenSaveDialog::SetInitialName(const std::string& name) {
-  selectFile(QFile::decodeName(name.c_str()));
+  m_proposed = name;
+  m_proposedShown = QFile::decodeName(name.c_str());
+  selectFile(m_proposedShown);
 }
 
 std::string CTNOpenSaveDialog::GetPathName() const {
   const QStringList files = selectedFiles();
-  return files.isEmpty() ? std::string() : QFile::encodeName(files.front()).toStdString();
+  if (files.isEmpty()) return {};
+  // A name may hold bytes that no text can hold. Taken as it was proposed it is the same file.
+  if (files.front() == m_proposedShown) return m_proposed;
+  return QFile::encodeName(files.front()).toStdString();
 }
 
 std::string CTNOpenSaveDialog::GetFolder() const {

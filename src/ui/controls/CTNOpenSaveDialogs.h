@@ -44,7 +44,9 @@ class CTNOpenSaveDialog : public QFileDialog {
  private:
   bool NamesExistingFile() const;
 
-  QString m_extension;  // Added to a name that has none.
+  QString m_extension;      // Added to a name that has none.
+  std::string m_proposed;   // The name that is proposed,
+  QString m_proposedShown;  // and as it is shown, which may be less.
 };
 
 /// Asks for a template to load, or for the file to save one to.

@@ -14,4 +14,13 @@ class WaitCursor {
   WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
+/// Shows no wait cursor as long as it lives: the user is asked something in the middle of the work.
+class NoWaitCursor {
+ public:
+  NoWaitCursor() { QGuiApplication::setOverrideCursor(Qt::ArrowCursor); }
+  ~NoWaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+  NoWaitCursor(const NoWaitCursor&) = delete;
+  NoWaitCursor& operator=(const NoWaitCursor&) = delete;
+};
+
 }  // namespace bomparser

@@ -3,6 +3,7 @@
 #include "ui/controls/CTNHostApp.h"
 #include "ui/controls/DisplayText.h"
 #include "ui/controls/Icons.h"
+#include "ui/controls/WaitCursor.h"
 #include "ui/controls/WindowProgress.h"
 #include "ui/dialogs/CTNDlgParserAppSettings.h"
 #include "ui/dialogs/ParserSettings.h"
@@ -41,6 +42,12 @@ std::string DraggedFile(const QDropEvent& event) {
   if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
   const QString path = urls.front().toLocalFile();
   return QFileInfo(path).isFile() ? QFile::encodeName(path).toStdString() : std::string();
+}
+
+bool IsTemplateName(const std::string& path) {
+  return QFileInfo(QFile::decodeName(path.c_str()))
+             .suffix()
+             .compare(MessageText(Msg::XmlExtension), Qt::CaseInsensitive) == 0;
 }
 
 }  // namespace
@@ -91,7 +98,11 @@ bool CTNFileParserDlg::Initialise() {
 int CTNFileParserDlg::exec() { return Initialise() ? CTNDlg::exec() : Rejected; }
 
 void CTNFileParserDlg::reject() {
-  if (!m_working) CTNDlg::reject();
+  if (m_working) return;
+  // What is being typed is given up with everything else: it is no edit any more.
+  for (CTNTemplateListCtrl* list : TemplateLists())
+    list->DropEdit();
+  CTNDlg::reject();
 }
 
 // Events.
@@ -124,27 +135,29 @@ void CTNFileParserDlg::keyPressEvent(QKeyEvent* event) {
 }
 
 void CTNFileParserDlg::dragEnterEvent(QDragEnterEvent* event) {
-  if (!m_working && !DraggedFile(*event).empty()) event->acceptProposedAction();
+  if (MayOpen(DraggedFile(*event))) event->acceptProposedAction();
 }
 
 void CTNFileParserDlg::dropEvent(QDropEvent* event) {
   const std::string path = DraggedFile(*event);
-  if (m_working || path.empty()) return;
+  if (!MayOpen(path)) return;
   event->acceptProposedAction();
   // Boxes may come, and whoever drags waits for the drop to be done with.
   QMetaObject::invokeMethod(
       this, [this, path] { OpenDropped(path); }, Qt::QueuedConnection);
 }
 
+bool CTNFileParserDlg::MayOpen(const std::string& path) const {
+  return !m_working && !path.empty() && (IsTemplateName(path) || m_open->isEnabled());
+}
+
 void CTNFileParserDlg::OpenDropped(const std::string& path) {
-  const bool isTemplate = QFileInfo(QFile::decodeName(path.c_str()))
-                              .suffix()
-                              .compare(MessageText(Msg::XmlExtension), Qt::CaseInsensitive) == 0;
-  if (isTemplate) {
+  if (!MayOpen(path)) return;
+  if (IsTemplateName(path)) {
     Run([this, &path] {
       if (MayDropTemplate()) LoadTemplate(path);
     });
-  } else if (m_open->isEnabled()) {
+  } else {
     Run([this, &path] {
       if (AskOutputFirst()) OpenInput(path);
     });
@@ -344,6 +357,7 @@ void CTNFileParserDlg::UpdateInputButtons() {
 
 BoxAnswer CTNFileParserDlg::Ask(BoxIcon icon, const QString& text, BoxButtons buttons,
                                 const QString& reason) {
+  const NoWaitCursor noWait;
   return UserDialogs().Ask(this, {m_title, text, icon, buttons, reason});
 }
 

@@ -2,7 +2,6 @@
 
 #include "entry/CTNFileParserEngine.h"
 #include "input/roles/CTNFrontEnd.h"
-#include "tnbase/FileStamp.h"
 #include "ui/controls/CTNDlg.h"
 #include "ui/controls/CTNUserDialogs.h"
 #include "ui/dialogs/RecentFiles.h"
@@ -14,7 +13,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -131,6 +129,7 @@ class CTNFileParserDlg final : public CTNDlg, private CTNFrontEnd {
   bool MayOutput();
   bool OutputEntityList();
   bool WriteEntityList(const std::string& path);
+  bool MayOpen(const std::string& path) const;
   void OpenDropped(const std::string& path);
 
   // Commands of the views: CTNFileParserDlgEdit.cpp.
@@ -196,7 +195,6 @@ class CTNFileParserDlg final : public CTNDlg, private CTNFrontEnd {
   std::string m_outputPath;
   RecentFiles m_recentTemplates;
   RecentFiles m_recentInputs;
-  std::optional<FileStamp> m_templateStamp;  // Of the template's file as it was read or written.
 
   // All of them are parts of the window.
   CTNTemplRecPropSheet* m_recordSheet = nullptr;

@@ -1,3 +1,4 @@
+#include "tnbase/TNPath.h"
 #include "ui/controls/DisplayText.h"
 #include "ui/controls/Mnemonic.h"
 #include "ui/dialogs/CTNFileParserDlg.h"
@@ -97,6 +98,7 @@ QToolButton* CTNFileParserDlg::MakeRecentButton(Ctrl number, Msg text, const Rec
     for (const std::string& path : files.GetPaths()) {
       QAction* const item =
           menu->addAction(ToDisplayText(path).replace(u'&', QStringLiteral("&&")));
+      item->setEnabled(FileExists(path));
       connect(item, &QAction::triggered, this, [this, path, open] { Run([&] { open(path); }); });
     }
     if (menu->isEmpty()) menu->addAction(MessageText(Msg::NoRecentFiles))->setEnabled(false);

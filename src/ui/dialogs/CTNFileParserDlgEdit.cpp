@@ -20,6 +20,13 @@ const Element* FirstOf(const std::vector<Element*>& selected) {
   return selected.empty() ? nullptr : selected.front();
 }
 
+std::vector<const CTNTemplRecOutField*> ElementsOf(const CTNTemplateRecord& record) {
+  std::vector<const CTNTemplRecOutField*> elements;
+  for (const auto& element : record.GetOutputFields())
+    elements.push_back(element.get());
+  return elements;
+}
+
 int FirstRow(const CTNTemplateListCtrl& list) {
   const std::vector<int> rows = list.GetSelectedRows();
   return rows.empty() ? 0 : rows.front();
@@ -279,8 +286,13 @@ void CTNFileParserDlg::AddNewElement(const CTNTemplRecOutField* before) {
 
 void CTNFileParserDlg::DeleteElements() {
   CTNTemplateRecord* const record = m_elements->GetRecord();
-  const int row = FirstRow(*m_elements);
-  if (record == nullptr || m_elements->DeleteSelected() == 0) return;
+  if (record == nullptr) return;
+  const std::vector<const CTNTemplRecOutField*> before = ElementsOf(*record);
+  if (m_elements->DeleteSelected() == 0) return;
+  // The user may have kept some of those that were selected.
+  const std::vector<const CTNTemplRecOutField*> left = ElementsOf(*record);
+  const auto firstGone = std::mismatch(left.begin(), left.end(), before.begin()).first;
+  const int row = static_cast<int>(firstGone - left.begin());
   record->Validate();
   FinishEdit(kOutputElementsDeleted);
   SelectAfterDeleting(*m_elements, row);

@@ -72,15 +72,16 @@ void CTNFileParserDlg::OpenInput(const std::string& path) {
   {
     const DisabledViews disabled(*this, {&m_inputPage->GetList()});
     bool cancelled = false;
-    opened = m_engine->OpenInputFile(path, error);
-    if (!opened) m_engine->GetInputFile()->SetFilePath({});
-    opened = opened && m_engine->ApplyTemplate(error, cancelled, ShowProgress::Yes);
+    opened = m_engine->OpenInputFile(path, error) &&
+             m_engine->ApplyTemplate(error, cancelled, ShowProgress::Yes);
   }
   if (opened) {
     m_inputFolder = TNGetPathFromPathNFName(path);
     m_recentInputs.Add(path);
+    EnableInputButtons(true);
+  } else {
+    CloseInput();
   }
-  EnableInputButtons(opened);
   ShowEverything();
   if (!opened) {
     ShowFailure(error.empty() ? MessageText(Msg::UnspecifiedOpenOrApplyError)
@@ -129,10 +130,9 @@ void CTNFileParserDlg::OnFindTemplate() {
                                  {&m_inputPage->GetList(), m_recordSheet, m_fields, m_elements});
     found = m_engine->FindTemplate(error, cancelled, ShowProgress::Yes);
   }
-  if (found) m_templateStamp = StampOf(m_engine->GetTemplate()->GetFilePath());
   ShowEverything();
-  SelectFirstRecord();
   if (found) {
+    SelectFirstRecord();
     ShowFound(error);
   } else {
     ShowFailure(error.empty() ? MessageText(Msg::UnspecifiedFindError) : ToDisplayText(error));

@@ -18,7 +18,6 @@ void CTNFileParserDlg::OnLoadFromFile() {
 
 void CTNFileParserDlg::LoadTemplate(const std::string& path) {
   ResetTemplate();
-  const std::optional<FileStamp> stamp = StampOf(path);  // Before: it may change while it is read.
   bool loaded = false;
   {
     const WaitCursor wait;
@@ -26,10 +25,7 @@ void CTNFileParserDlg::LoadTemplate(const std::string& path) {
   }
   if (loaded) {
     m_templateFolder = TNGetPathFromPathNFName(path);
-    m_templateStamp = stamp;
     m_recentTemplates.Add(path);
-  } else {
-    m_recentTemplates.Remove(path);
   }
   ShowEverything();
   CTNParserErrorLog& log = m_engine->GetTemplate()->GetErrorLog();
@@ -64,7 +60,6 @@ bool CTNFileParserDlg::MayDropTemplate() {
 
 void CTNFileParserDlg::ResetTemplate() {
   m_engine->NewTemplate();
-  m_templateStamp.reset();
   m_current = {};
 }
 
@@ -77,7 +72,6 @@ bool CTNFileParserDlg::SaveTemplate() {
     if (!m_engine->SaveTemplate(path)) return false;
   }
   m_templateFolder = TNGetPathFromPathNFName(path);
-  m_templateStamp = StampOf(path);
   m_recentTemplates.Add(path);
   ShowPaths();
   return true;
@@ -98,9 +92,7 @@ bool CTNFileParserDlg::ChooseTemplateTarget(std::string& path) {
 /// Somebody else may have written the template's own file meanwhile: their work is not to be lost
 /// unseen. No asks for another file.
 BoxAnswer CTNFileParserDlg::MayOverwrite(const std::string& path) {
-  const std::optional<FileStamp> stamp = StampOf(path);
-  if (!stamp || !m_templateStamp || stamp == m_templateStamp) return BoxAnswer::Yes;
-  if (!AreSameFile(path, m_engine->GetTemplate()->GetFilePath())) return BoxAnswer::Yes;
+  if (!m_engine->IsTemplateFileChanged(path)) return BoxAnswer::Yes;
   return Ask(BoxIcon::Question,
              ToDisplayText(FormatMessageText(Msg::AskOverwriteChangedTemplate, path)),
              BoxButtons::YesNoCancel);

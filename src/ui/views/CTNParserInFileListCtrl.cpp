@@ -105,6 +105,15 @@ void CTNParserInFileListCtrl::paintEvent(QPaintEvent* event) {
 }
 
 std::optional<CTNParsedFileBlock> CTNParserInFileListCtrl::GetSelectedBlock() const {
+  if (m_place && m_place->current) {
+    // Its row may be still to come.
+    const std::uint32_t line = *m_place->current;
+    const bool selected = std::any_of(
+        m_place->selected.begin(), m_place->selected.end(),
+        [line](const LineRange& lines) { return lines.first <= line && line <= lines.second; });
+    if (!selected || line >= m_model->GetLineCount()) return std::nullopt;
+    return m_model->GetBlockOfLine(line);
+  }
   const int row = currentIndex().row();
   if (row < 0 || !IsRowSelected(row)) return std::nullopt;
   return m_model->GetBlock(row);

@@ -69,6 +69,10 @@ class CTNParserInFileModel final : public QAbstractTableModel {
   int FindRow(std::uint32_t line) const;
   /// The block that a row belongs to, and the row's place in it.
   CTNParsedFileBlock GetBlock(int row) const;
+  /// The block that a line belongs to, whether that is shown or not; the line is one of the file.
+  CTNParsedFileBlock GetBlockOfLine(std::uint32_t line) const {
+    return BlockAt(m_rows->Find(line));
+  }
   std::uint32_t GetRowInBlock(int row) const;
   /// What the text columns show of a line.
   QString GetShownText(std::uint32_t line) const;

@@ -6,6 +6,7 @@
 #include "ui/controls/DisplayText.h"
 
 #include <QMenu>
+#include <algorithm>
 #include <utility>
 
 namespace bomparser {
@@ -54,10 +55,24 @@ std::vector<CTNTemplateRecord*> CTNTemplRecordListCtrl::GetSelectedRecords() con
   return records;
 }
 
+CTNTemplateRecord* CTNTemplRecordListCtrl::SelectedLast(const QItemSelection& selected) const {
+  const auto current = NodeAt<CTNTemplRecordListNode>(currentIndex().row());
+  if (current && selected.contains(currentIndex())) return current->GetRecord();
+  // Nothing new, or the keyboard makes it the current row later on: the last one stays as long as
+  // it is selected.
+  const std::vector<CTNTemplateRecord*> records = GetSelectedRecords();
+  const CTNTemplateRecord* const last = m_reported;
+  if (std::find(records.begin(), records.end(), last) != records.end()) return m_reported;
+  if (current && IsRowSelected(currentIndex().row())) return current->GetRecord();
+  return records.empty() ? nullptr : records.front();
+}
+
 void CTNTemplRecordListCtrl::ReportSelection(const QItemSelection& selected) {
-  if (IsRefilling() || !selected.contains(currentIndex())) return;
-  const auto node = NodeAt<CTNTemplRecordListNode>(currentIndex().row());
-  if (node && node->GetRecord() != nullptr) emit CurrentRecordChanged(node->GetRecord());
+  if (IsRefilling()) return;
+  CTNTemplateRecord* const last = SelectedLast(selected);
+  if (last == m_reported) return;
+  m_reported = last;
+  if (last != nullptr) emit CurrentRecordChanged(last);
 }
 
 // Editing.

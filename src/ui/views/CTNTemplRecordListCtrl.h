@@ -26,7 +26,8 @@ class CTNTemplRecordListCtrl final : public CTNTemplateListCtrl {
   std::vector<CTNTemplateRecord*> GetSelectedRecords() const;
 
  signals:
-  /// A row became selected: that of the record, which is the current one. At most once a change.
+  /// Another record than before is the one that was selected last: that of the current row or,
+  /// where the last one is no longer selected, one of those that are. At most once a change.
   void CurrentRecordChanged(bomparser::CTNTemplateRecord* record);
   /// The record's fields and elements may be others than before.
   void ShowFieldsWanted(bomparser::CTNTemplateRecord* record);
@@ -44,6 +45,7 @@ class CTNTemplRecordListCtrl final : public CTNTemplateListCtrl {
   using Nodes = std::vector<std::shared_ptr<CTNTemplRecordListNode>>;
 
   void ReportSelection(const QItemSelection& selected);
+  CTNTemplateRecord* SelectedLast(const QItemSelection& selected) const;
   void CreateRequiredOutputSets();
   static bool SetType(CTNTemplateRecord& record, const EditedValue& value);
   static bool SetDescription(CTNTemplateRecord& record, const EditedValue& value);
@@ -51,6 +53,7 @@ class CTNTemplRecordListCtrl final : public CTNTemplateListCtrl {
   void WantFieldsOfOne(const Nodes& nodes);
 
   RecordPage m_page;
+  RecordLink m_reported;  // The record that listeners were told of last.
 };
 
 }  // namespace bomparser

@@ -22,6 +22,7 @@ QLabel* MakeSample(BlockKind kind) {
   sample->setAutoFillBackground(true);
   sample->setFrameShape(QFrame::StyledPanel);
   sample->setMargin(kMargin);
+  SetControlId(*sample, Ctrl::ColourLegend);  // Help on any of them is help on the legend.
   return sample;
 }
 

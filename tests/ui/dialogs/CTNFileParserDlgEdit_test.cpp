@@ -424,6 +424,18 @@ TEST_F(MainDialogEditTest, DeletingARequiredElementAsksFirst) {
   EXPECT_EQ(Selected(Elements()), Chosen{0});
 }
 
+TEST_F(MainDialogEditTest, TheElementBehindADeletedOneIsSelectedAlsoWhenAnotherOneWasKept) {
+  LoadAndOpen();
+  Elements().SetSelectedRows({0, 1});
+  WillAnswer(BoxAnswer::Yes);  // From the last to the first.
+  WillAnswer(BoxAnswer::No);
+  RightClick(*Elements().viewport(),
+             Elements().visualRect(Elements().model()->index(0, 0)).center());
+  ChooseCommand(Cmd::DeleteSelected);
+  EXPECT_EQ(Under(Elements(), "ELEMENT TAG"), (Texts{"REF_DESIGNATOR"}));
+  EXPECT_EQ(Selected(Elements()), Chosen{0});
+}
+
 TEST_F(MainDialogEditTest, CopiesOfElementsGoToTheirRecordAndToAllOthers) {
   LoadAndOpen();
   Choose(Records(), Cmd::AppendNew);
@@ -508,6 +520,53 @@ TEST_F(MainDialogEditTest, OnAPageWithoutSelectionTheFirstRecordIsSelected) {
   ShowPage(RecordPage::Auxiliary);
   EXPECT_EQ(Selected(Auxiliaries()), Chosen{0});
   EXPECT_EQ(Fields().GetRecord(), Document().GetAuxiliaryRecords()[0].get());
+}
+
+TEST_F(MainDialogEditTest, TheShownRecordIsAlwaysOneThatIsSelected) {
+  LoadAndOpen();
+  Choose(Records(), Cmd::AppendNew);
+  Records().SelectRowAlone(0);
+  Records().setFocus();
+  QTest::keyClick(&Records(), Qt::Key_Down, Qt::ShiftModifier);
+  QTest::keyClick(&Records(), Qt::Key_Up, Qt::ShiftModifier);
+  EXPECT_EQ(Fields().GetRecord(), Document().GetEntityRecords()[0].get());
+  Click(Records(), 1, 0, Qt::ControlModifier);
+  EXPECT_EQ(Fields().GetRecord(), Document().GetEntityRecords()[1].get());
+  Click(Rows(), 0, 2);
+  EXPECT_EQ(Selected(Records()), Chosen{0});
+  EXPECT_EQ(Fields().GetRecord(), Document().GetEntityRecords()[0].get());
+}
+
+TEST_F(MainDialogEditTest, CurrentValuesFollowALineWhoseRowAFilterBringsLater) {
+  Load(TemplateFor("line a|line b"));
+  std::string text = "line a\n";
+  for (int i = 0; i < 40'000; ++i)
+    text += "line\n";
+  OpenText(text + "line b\n");
+  auto* const filter = FindControl<QLineEdit>(Dialog(), Ctrl::FilterText);
+  filter->setText("line");
+  ASSERT_TRUE(QTest::qWaitFor([this] { return !Rows().GetModel().IsScanning(); }, 60'000));
+  Click(Rows(), 0, 2);
+  ASSERT_EQ(CurrentValues(), (Texts{"line a", ""}));
+  Type(Records(), 0, Titled(Records(), "DESCRIPTION"), "another name");
+  EXPECT_EQ(CurrentValues(), (Texts{"line a", ""}));
+}
+
+TEST_F(MainDialogEditTest, AnIgnoredLineLeavesTheSelectionOfTheRecordsAlone) {
+  Load(TemplateFor("a", RecordKind::Part, 2));
+  OpenText("head\na\n");
+  Choose(Records(), Cmd::AppendNew);
+  Click(Rows(), 0, 2);
+  EXPECT_EQ(Selected(Records()), Chosen{1});
+}
+
+TEST_F(MainDialogEditTest, ALineOfAnAuxiliaryRecordTurnsToItsPage) {
+  Load(TemplateFor("a", RecordKind::MultipleMatch));
+  OpenText("a\n");
+  ASSERT_EQ(RecordSheet().GetActiveIndex(), 0);
+  Click(Rows(), 0, 2);
+  EXPECT_EQ(RecordSheet().GetActiveIndex(), 1);
+  EXPECT_EQ(Selected(Auxiliaries()), Chosen{0});
 }
 
 // Editors and commands.

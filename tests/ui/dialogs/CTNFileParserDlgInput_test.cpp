@@ -159,6 +159,9 @@ TEST_F(MainDialogInputTest, AnOpenThatIsCancelledIsAnErrorBoxAndLeavesTheButtons
   EXPECT_EQ(cancel.seen, 1);
   EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Operation cancelled|Ok"});
   EXPECT_EQ(Buttons(), "O.....");
+  EXPECT_EQ(Flags(), "stale");
+  EXPECT_EQ(TextOf(Ctrl::InputFile), "");
+  EXPECT_EQ(Rows().accessibleDescription(), "Open an input file, or drop one here");
 }
 
 // Close.
@@ -303,6 +306,44 @@ TEST_F(MainDialogInputTest, FindLoadsTheBestTemplateAndTellsHowManyBlocksMatched
   EXPECT_EQ(Column(Rows(), 1), (Texts{"line (E1)", "Unmatched", "line (E1)"}));
   EXPECT_TRUE(Records().IsRowSelected(0)) << "the first record is selected";
   EXPECT_EQ(Fields().model()->rowCount(), 2);
+}
+
+TEST_F(MainDialogInputTest, ATemplateThatWasFoundAndIsChangedOnDiskIsNotOverwrittenUnasked) {
+  WriteFile("one.xml", TemplateFor("a"));
+  OpenText("a\n");
+  Press(Ctrl::FindTemplate);
+  WriteFile("one.xml", TemplateFor("somebody else's"));
+  dialogs.boxes.clear();
+  WillChoose("one.xml");
+  WillAnswer(BoxAnswer::Cancel);
+  Press(Ctrl::SaveToFile);
+  ASSERT_EQ(dialogs.boxes.size(), 1U);
+  EXPECT_EQ(dialogs.boxes[0].rfind("question|BOM Parser|Template file ", 0), 0U);
+}
+
+TEST_F(MainDialogInputTest, ASearchThatFindsNothingReadsTheTemplateAgainAndSavingItAsksNothing) {
+  MakeFolder("empty");
+  LoadAndOpen();
+  Engine().SetTemplateSearchPath(PathOf("empty"));
+  WriteFile("template.xml", TemplateFor("a|b|somebody else's"));
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(dialogs.boxes,
+            Boxes{"error|BOM Parser|No useable template found in current search path|Ok"});
+  dialogs.boxes.clear();
+  WillChoose("template.xml");
+  Press(Ctrl::SaveToFile);
+  EXPECT_TRUE(dialogs.boxes.empty());
+  EXPECT_EQ(Records().GetSelectedRows(), std::vector<int>{0});
+}
+
+TEST_F(MainDialogInputTest, ASearchThatStopsAtOnceLeavesTheSelectionOfTheRecords) {
+  LoadAndOpen();
+  Choose(Records(), Cmd::AppendNew);
+  Engine().SetTemplateSearchPath("");
+  WillAnswer(BoxAnswer::No);
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(Records().GetSelectedRows(), std::vector<int>{1});
+  EXPECT_TRUE(Engine().IsTemplateModified()) << "No to saving goes on without it";
 }
 
 TEST_F(MainDialogInputTest, FindWithoutASearchPathSaysSo) {

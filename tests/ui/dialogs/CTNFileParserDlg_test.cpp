@@ -337,6 +337,16 @@ TEST_F(MainDialogTestOfItself, AnEscapeThatIsHeldDownDoesNotEndTheDialog) {
   EXPECT_TRUE(IsOpen());
 }
 
+TEST_F(MainDialogTestOfItself, TheCloseBoxGivesUpWhatIsBeingTyped) {
+  LoadAndOpen();
+  ASSERT_TRUE(Records().BeginEdit(Records().model()->index(0, 2)));
+  dynamic_cast<CTNInPlaceEdit*>(Records().GetEditor())->setText("another name");
+  Dialog().close();
+  Settle();
+  EXPECT_FALSE(IsOpen());
+  EXPECT_FALSE(Engine().IsTemplateModified());
+}
+
 TEST_F(MainDialogTestOfItself, EscapeEndsAnOpenEditorBeforeItEndsTheDialog) {
   LoadAndOpen();
   ASSERT_TRUE(Records().BeginEdit(Records().model()->index(0, 2)));
@@ -450,6 +460,12 @@ TEST_F(MainDialogTestOfItself, RecentFilesAreStoredByExitOnly) {
   EXPECT_EQ(RecentMenu(Ctrl::RecentInputs), (Texts{PathOf("one.txt")}));
 }
 
+TEST_F(MainDialogTestOfItself, ARecentFileThatIsNoLongerThereCannotBeChosen) {
+  OpenText("a\n", "one.txt");
+  std::filesystem::remove(PathOf("one.txt"));
+  EXPECT_EQ(RecentMenu(Ctrl::RecentInputs), (Texts{"[" + PathOf("one.txt") + "]"}));
+}
+
 TEST_F(MainDialogTestOfItself, RecentInputFilesAreOffWhileTheResultsPageIsShown) {
   LoadAndOpen();
   ShowResults(true);
@@ -479,6 +495,15 @@ TEST_F(MainDialogTestOfItself, ADroppedFileAsksAsOpenDoes) {
   EXPECT_TRUE(DropFiles({"list.txt"}));
   EXPECT_EQ(dialogs.boxes, Boxes{kAskOutput});
   EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogTestOfItself, AnInputFileIsNotWelcomeWhileTheResultsPageIsShown) {
+  LoadAndOpen();
+  WriteFile("mine.xml", TemplateFor("a"));
+  ShowResults(true);
+  EXPECT_FALSE(DropFiles({"input.txt"}));
+  EXPECT_TRUE(DropFiles({"mine.xml"}));
+  EXPECT_EQ(TextOf(Ctrl::TemplateFile), PathOf("mine.xml"));
 }
 
 TEST_F(MainDialogTestOfItself, SeveralFilesAndFoldersAreNotWelcome) {

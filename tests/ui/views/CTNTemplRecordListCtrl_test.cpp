@@ -524,14 +524,39 @@ TEST_F(CTNTemplRecordListCtrlTest, ArrowKeysTellTheRowThatTheyReach) {
   EXPECT_EQ(told, (Lines{"current E3", "current E4"}));
 }
 
-TEST_F(CTNTemplRecordListCtrlTest, UnselectingARowTellsNothing) {
+TEST_F(CTNTemplRecordListCtrlTest, UnselectingARowTellsNothingAsLongAsTheLastOneIsSelected) {
+  AddFive();
+  Fill();
+  ClickRows({1, 2});
+  told.clear();
+  Click(1, Col::MatchCount, Qt::ControlModifier);
+  EXPECT_TRUE(told.empty());
+  Click(2, Col::MatchCount, Qt::ControlModifier);
+  EXPECT_TRUE(told.empty()) << "no row is left";
+}
+
+TEST_F(CTNTemplRecordListCtrlTest, WhenTheLastSelectedRowIsUnselectedOneThatIsLeftIsTold) {
   AddFive();
   Fill();
   ClickRows({1, 2});
   told.clear();
   Click(2, Col::MatchCount, Qt::ControlModifier);
-  EXPECT_TRUE(told.empty());
+  EXPECT_EQ(told, Lines{"current E2"});
   EXPECT_EQ(list->GetSelectedRows(), Rows{1});
+}
+
+TEST_F(CTNTemplRecordListCtrlTest, ASelectionThatShrinksByKeysTellsTheRowThatIsLeft) {
+  AddFive();
+  Fill();
+  Click(0, Col::MatchCount);
+  Key(Qt::Key_Down, Qt::ShiftModifier);
+  Key(Qt::Key_Down, Qt::ShiftModifier);
+  told.clear();
+  Key(Qt::Key_Up, Qt::ShiftModifier);
+  Key(Qt::Key_Up, Qt::ShiftModifier);
+  EXPECT_EQ(list->GetSelectedRows(), Rows{0});
+  ASSERT_FALSE(told.empty());
+  EXPECT_EQ(told.back(), "current E1");
 }
 
 TEST_F(CTNTemplRecordListCtrlTest, ARightClickThatSelectsTellsIt) {
