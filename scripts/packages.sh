@@ -4,7 +4,8 @@ kBuildPackages=(g++ make cmake ninja-build ccache libxml2-dev libcli11-dev libfm
   libicu-dev zlib1g-dev liblzma-dev)  # The last three: what a program needs that has libxml2 in it.
 kWindowPackages=(qt6-base-dev qt6-svg-dev fonts-dejavu-core)
 kTestPackages=("${kWindowPackages[@]}" libgtest-dev libgmock-dev python3 clang-format clang-tidy locales
-  dpkg-dev file desktop-file-utils appstream)  # The last four: the package and what is in it.
+  dpkg-dev file desktop-file-utils appstream  # The package and what is in it.
+  xvfb xauth jwm)  # Windows on a real display.
 
 package_is_there() {
   [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]

@@ -1,5 +1,6 @@
 #include "host/Component.h"
 #include "host/DesktopHost.h"
+#include "host/InterruptWatch.h"
 #include "tnbase/DesktopModule.h"
 #include "ui/controls/Icons.h"
 
@@ -76,9 +77,10 @@ int RunDesktop(int argc, char** argv, RefuseDesktop refuse) {
   appinfo_struct info;
   info.host = &host;
   component->init(&info, 0);
+  const InterruptWatch watch;
   std::string result;
   component->display(result);
-  return EXIT_SUCCESS;
+  return IsInterrupted() ? InterruptStatus() : EXIT_SUCCESS;
 }
 
 }  // namespace

@@ -288,8 +288,9 @@ void CTNFileParserDlg::RestoreWindow() {
     return Decoded(Host().GetProfileString(m_section, GetMessageText(key), {}));
   };
   constexpr QSize kUsual(1280, 800);
+  constexpr QSize kFrame(20, 60);  // What stands around a window, and the desktop's own panels.
   if (!restoreGeometry(stored(Msg::WindowGeometryKey))) {
-    resize(kUsual.boundedTo(screen()->availableSize()).expandedTo(minimumSizeHint()));
+    resize(kUsual.boundedTo(screen()->availableSize() - kFrame).expandedTo(minimumSizeHint()));
   }
   m_sides->restoreState(stored(Msg::SidesKey));
   m_lists->restoreState(stored(Msg::ListsKey));

@@ -1,51 +1,15 @@
-#include "tests/support/TestFolder.h"
-#include "tests/ui/support/DialogUser.h"
-#include "tests/ui/support/Environment.h"
-#include "tests/ui/support/UiTest.h"
-#include "tnbase/DesktopModule.h"
+#include "tests/ui/desktop/DesktopTest.h"
 
 #include <QLineEdit>
 #include <QProcess>
 #include <QTextBrowser>
 #include <algorithm>
-#include <dlfcn.h>
+#include <filesystem>
 
 namespace bomparser::test {
 namespace {
 
-std::vector<std::string> g_refusals;
-
-/// The module of the dialog as the program calls it; the application object is the module's.
-class DesktopMainTest : public TestFolder {
- protected:
-  DesktopMainTest() {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-      environment.Set("QT_QPA_PLATFORM", "offscreen");
-    environment.Set("XDG_CONFIG_HOME", QByteArray::fromStdString(Folder()));
-    g_refusals.clear();
-  }
-  void SetUp() override {
-    void* const module = dlopen(BOMPARSER_DESKTOP, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-    ASSERT_NE(module, nullptr) << dlerror();
-    main = reinterpret_cast<DesktopEntryPoint>(dlsym(module, kDesktopEntryPoint));
-    ASSERT_NE(main, nullptr);
-  }
-  int Open(
-      std::vector<std::string> arguments, std::function<void(QDialog&)> act = [](QDialog&) {}) {
-    const DialogUser user(std::move(act));
-    arguments.insert(arguments.begin(), "bomparser");
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments)
-      pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    return main(static_cast<int>(arguments.size()), pointers.data(),
-                [](const char* reason) { g_refusals.emplace_back(reason); });
-  }
-
-  Environment environment;
-  DesktopEntryPoint main = nullptr;
-};
+using DesktopMainTest = DesktopTest;
 
 TEST_F(DesktopMainTest, OpensTheDialogAndEndsWithZero) {
   EXPECT_EQ(Open({},
@@ -56,7 +20,7 @@ TEST_F(DesktopMainTest, OpensTheDialogAndEndsWithZero) {
                    EXPECT_FALSE(QApplication::windowIcon().isNull());
                  }),
             0);
-  EXPECT_TRUE(g_refusals.empty());
+  EXPECT_TRUE(refusals.empty());
   EXPECT_EQ(Names(), std::vector<std::string>()) << "the close box stores nothing";
 }
 
