@@ -172,8 +172,9 @@ def check_dialog(root, scratch):
         wait_for_files(process, {str(root / "usr/lib/bomparser" / name) for name in MODULES}, log)
         process.terminate()
         process.wait(PATIENCE)
-        # Terminated before it has anything to say about that, or having said it.
-        demand(process.returncode in (-signal.SIGTERM, 0), f"told to end, the dialog gave {process.returncode}")
+        # As shells tell it; or by the signal itself, where it came before anybody listened.
+        demand(process.returncode in (-signal.SIGTERM, 128 + signal.SIGTERM),
+               f"told to end, the dialog gave {process.returncode}")
     finally:
         process.kill()
         process.wait()

@@ -1,6 +1,7 @@
 #include "template/CTNParserTemplate.h"
 
 #include "input/MessageTexts.h"
+#include "template/ArrayEdit.h"
 #include "template/BlockScan.h"
 #include "template/CTNIdentifierKeeper.h"
 #include "template/GuardedEdit.h"
@@ -187,33 +188,52 @@ void CTNParserTemplate::ForgetSingleMatches() {
   }
 }
 
-void CTNParserTemplate::UnlinkRecord(const CTNTemplateRecord* gone) {
+void CTNParserTemplate::UnlinkRecords(const std::unordered_set<const CTNTemplateRecord*>& gone) {
   ForgetSingleMatches();
   for (RecordList* list : {&m_entityRecords, &m_auxiliaryRecords}) {
     for (const auto& record : *list) {
       for (const auto& field : record->GetInputFields()) {
-        if (field->GetSubRecord() == gone) field->ForgetSubRecord();
+        if (gone.contains(field->GetSubRecord())) field->ForgetSubRecord();
       }
     }
   }
 }
 
+bool CTNParserTemplate::AreInOneList(const std::vector<const CTNTemplateRecord*>& records) const {
+  return !records.empty() &&
+         std::all_of(records.begin(), records.end(), [&](const CTNTemplateRecord* record) {
+           return Holds(record) && record->IsAuxiliary() == records.front()->IsAuxiliary();
+         });
+}
+
+void CTNParserTemplate::ApplyOrUndo(CTNIdentifierKeeper& keeper, ArrayEdit<CTNTemplateRecord>& edit,
+                                    RecordList& list) {
+  Renumber(list, 0);
+  try {
+    keeper.Apply();
+  } catch (const std::bad_alloc&) {
+    edit.Undo();
+    Renumber(list, 0);
+    throw;
+  }
+}
+
 bool CTNParserTemplate::DeleteRecord(const CTNTemplateRecord* record) {
-  if (!Holds(record)) return false;
+  return GuardEdit(this, [=, this] { return DeleteRecords({record}); });
+}
+
+bool CTNParserTemplate::DeleteRecords(const std::vector<const CTNTemplateRecord*>& records) {
+  if (!AreInOneList(records)) return false;
   return GuardEdit(this, [&] {
-    RecordList& list = ListOf(record->GetType());
+    RecordList& list = ListOf(records.front()->GetType());
+    ArrayEdit<CTNTemplateRecord> edit(list, records);
     CTNIdentifierKeeper keeper(*this);
-    const std::size_t place = record->m_position;
-    // Until nothing names it any more, it is only set aside.
-    std::unique_ptr<CTNTemplateRecord> taken = TakeFrom(list, place);
-    try {
-      keeper.Apply();
-    } catch (const std::bad_alloc&) {
-      PutAt(list, place, std::move(taken));  // Into the room that it left.
-      throw;
-    }
-    UnlinkRecord(taken.get());
-    m_mayMeanMore.erase(taken.get());
+    // Until nothing names them any more, they are only set aside.
+    edit.TakeOut();
+    ApplyOrUndo(keeper, edit, list);
+    UnlinkRecords(edit.GetChosen());
+    for (const auto& record : edit.GetTaken())
+      m_mayMeanMore.erase(record.get());
     return true;
   });
 }
@@ -227,22 +247,18 @@ void CTNParserTemplate::DeleteAllRecords() {
 
 bool CTNParserTemplate::MoveRecord(const CTNTemplateRecord* record,
                                    const CTNTemplateRecord* before) {
-  if (!Holds(record)) return false;
-  if (record == before) return true;
+  return GuardEdit(this, [=, this] { return MoveRecords({record}, before); });
+}
+
+bool CTNParserTemplate::MoveRecords(const std::vector<const CTNTemplateRecord*>& records,
+                                    const CTNTemplateRecord* before) {
+  if (!AreInOneList(records)) return false;
   return GuardEdit(this, [&] {
-    RecordList& list = ListOf(record->GetType());
+    RecordList& list = ListOf(records.front()->GetType());
+    ArrayEdit<CTNTemplateRecord> edit(list, records);
     CTNIdentifierKeeper keeper(*this);
-    const std::size_t from = record->m_position;
-    std::unique_ptr<CTNTemplateRecord> taken = TakeFrom(list, from);
-    const bool inList = before != nullptr && IsAt(list, before);
-    const std::size_t to = inList ? before->m_position : list.size();
-    PutAt(list, to, std::move(taken));
-    try {
-      keeper.Apply();
-    } catch (const std::bad_alloc&) {
-      PutAt(list, from, TakeFrom(list, to));
-      throw;
-    }
+    edit.MoveBefore(before);
+    ApplyOrUndo(keeper, edit, list);
     return true;
   });
 }

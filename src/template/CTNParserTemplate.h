@@ -19,8 +19,11 @@
 namespace bomparser {
 
 class BlockScan;
+class CTNIdentifierKeeper;
 class LineEnds;
 class MatchProgram;
+template <class Element>
+class ArrayEdit;
 
 /// What edits of a template are told as; any other value than None marks the template as modified.
 enum class ChangeKind : std::int32_t { None = 0, Modified = 1 };
@@ -54,6 +57,9 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   /// Deletes the record. Fields and expressions that name it read as unresolved from then on. False
   /// for a record that is in no list.
   bool DeleteRecord(const CTNTemplateRecord* record);
+  /// The same with several records of one list at once, which costs hardly more than one: every
+  /// edit looks at all expressions. All or none: false if none is given, or one is not in the list.
+  bool DeleteRecords(const std::vector<const CTNTemplateRecord*>& records);
   void DeleteAllRecords();
   /// Back to an empty, untitled, unsaved template; the error log stays.
   void DropContent();
@@ -65,6 +71,10 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   void NoteMayMeanMore(CTNTemplateRecord& record);
   /// Moves a record within its list. False if it is in none.
   bool MoveRecord(const CTNTemplateRecord* record, const CTNTemplateRecord* before);
+  /// The same with several records of one list at once, all or none as above. They keep the order
+  /// that they have in the list. If `before` is one of them, the others are put before it.
+  bool MoveRecords(const std::vector<const CTNTemplateRecord*>& records,
+                   const CTNTemplateRecord* before);
   /// True for a record of the list that its type selects.
   bool Holds(const CTNTemplateRecord* record) const;
   /// True for a record of either list, whatever its type.
@@ -158,7 +168,10 @@ class CTNParserTemplate final : public CTNTemplateArrayElement,
   static void PutAt(RecordList& list, std::size_t place, std::unique_ptr<CTNTemplateRecord> record);
   static std::unique_ptr<CTNTemplateRecord> TakeFrom(RecordList& list, std::size_t place);
   static void Renumber(RecordList& list, std::size_t from);
-  void UnlinkRecord(const CTNTemplateRecord* gone);
+  bool AreInOneList(const std::vector<const CTNTemplateRecord*>& records) const;
+  static void ApplyOrUndo(CTNIdentifierKeeper& keeper, ArrayEdit<CTNTemplateRecord>& edit,
+                          RecordList& list);
+  void UnlinkRecords(const std::unordered_set<const CTNTemplateRecord*>& gone);
   void RegisterBindings(XmlBindingTable& bindings) override;
   int FinishLoad(int status);
   int Resolve();

@@ -2,6 +2,7 @@
 
 #include "input/CTNParsedFileBlock.h"
 #include "input/MessageTexts.h"
+#include "template/ArrayEdit.h"
 #include "template/CTNIdentifierKeeper.h"
 #include "template/CTNParserTemplate.h"
 #include "template/GuardedEdit.h"
@@ -51,13 +52,6 @@ auto* Put(Array& array, std::unique_ptr<Field> field, const Field* before) {
   return array.insert(array.begin() + place, std::move(field))->get();
 }
 
-/// The entry behind the field, or null.
-template <class Array, class Field>
-const Field* FollowerOf(const Array& array, const Field* field) {
-  const std::size_t next = PlaceOf(array, field) + 1;
-  return next < array.size() ? array[next].get() : nullptr;
-}
-
 template <class Array, class Field>
 Field* Insert(CTNTemplateRecord& record, Array& array, std::unique_ptr<Field> field,
               const Field* before) {
@@ -83,35 +77,45 @@ Field* Insert(CTNTemplateRecord& record, Array& array, std::unique_ptr<Field> fi
   return inserted;
 }
 
-template <class Array, class Field>
-std::unique_ptr<Field> Remove(CTNTemplateRecord& record, Array& array, const Field* field) {
-  if (PlaceOf(array, field) == array.size()) return nullptr;
-  const Field* const follower = FollowerOf(array, field);
-  CTNIdentifierKeeper keeper(record);
-  std::unique_ptr<Field> taken = Take(array, field);
+template <class Field>
+void ApplyOrUndo(CTNIdentifierKeeper& keeper, ArrayEdit<Field>& edit) {
   try {
     keeper.Apply();
   } catch (const std::bad_alloc&) {
-    Put(array, std::move(taken), follower);  // Into the room that it left.
+    edit.Undo();
     throw;
   }
-  taken->SetParentRecord(nullptr);
-  return taken;
 }
 
-template <class Array, class Field>
-bool Move(CTNTemplateRecord& record, Array& array, const Field* field, const Field* before) {
-  if (PlaceOf(array, field) == array.size()) return false;
-  if (field == before) return true;
-  const Field* const follower = FollowerOf(array, field);
+/// Hands the fields out; none of them when one is not in the array.
+template <class Field>
+auto Remove(CTNTemplateRecord& record, std::vector<std::unique_ptr<Field>>& array,
+            const std::vector<const Field*>& fields) {
+  ArrayEdit<Field> edit(array, fields);
+  if (!edit.IsPossible()) return std::vector<std::unique_ptr<Field>>();
   CTNIdentifierKeeper keeper(record);
-  Put(array, Take(array, field), before);
-  try {
-    keeper.Apply();
-  } catch (const std::bad_alloc&) {
-    Put(array, Take(array, field), follower);
-    throw;
-  }
+  edit.TakeOut();
+  ApplyOrUndo(keeper, edit);
+  for (const auto& taken : edit.GetTaken())
+    taken->SetParentRecord(nullptr);
+  return std::move(edit.GetTaken());
+}
+
+template <class Field>
+std::unique_ptr<Field> RemoveOne(CTNTemplateRecord& record,
+                                 std::vector<std::unique_ptr<Field>>& array, const Field* field) {
+  auto taken = Remove(record, array, {field});
+  return taken.empty() ? nullptr : std::move(taken.front());
+}
+
+template <class Field>
+bool Move(CTNTemplateRecord& record, std::vector<std::unique_ptr<Field>>& array,
+          const std::vector<const Field*>& fields, const Field* before) {
+  ArrayEdit<Field> edit(array, fields);
+  if (!edit.IsPossible()) return false;
+  CTNIdentifierKeeper keeper(record);
+  edit.MoveBefore(before);
+  ApplyOrUndo(keeper, edit);
   return true;
 }
 
@@ -181,28 +185,44 @@ CTNTemplRecOutField* CTNTemplateRecord::InsertField(std::unique_ptr<CTNTemplRecO
 
 std::unique_ptr<CTNTemplRecInField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecInField* field) {
-  auto taken = GuardEdit(m_template, [=, this] { return Remove(*this, m_inputFields, field); });
+  auto taken = GuardEdit(m_template, [=, this] { return RemoveOne(*this, m_inputFields, field); });
   if (taken) ForgetSingleMatches();
   return taken;
 }
 
 std::unique_ptr<CTNTemplRecOutField> CTNTemplateRecord::RemoveField(
     const CTNTemplRecOutField* field) {
-  auto taken = GuardEdit(m_template, [=, this] { return Remove(*this, m_outputFields, field); });
+  auto taken = GuardEdit(m_template, [=, this] { return RemoveOne(*this, m_outputFields, field); });
   // On its own it means nothing: its items must not outlive the fields that they name.
   std::string ignored;
   if (taken) taken->ParseExpression(ignored);
   return taken;
 }
 
+bool CTNTemplateRecord::RemoveFields(const std::vector<const CTNTemplRecInField*>& fields) {
+  const auto taken = GuardEdit(m_template, [&] { return Remove(*this, m_inputFields, fields); });
+  if (!taken.empty()) ForgetSingleMatches();
+  return !taken.empty();
+}
+
 bool CTNTemplateRecord::MoveField(const CTNTemplRecInField* field,
                                   const CTNTemplRecInField* before) {
-  return GuardEdit(m_template, [=, this] { return Move(*this, m_inputFields, field, before); });
+  return GuardEdit(m_template, [=, this] { return Move(*this, m_inputFields, {field}, before); });
 }
 
 bool CTNTemplateRecord::MoveField(const CTNTemplRecOutField* field,
                                   const CTNTemplRecOutField* before) {
-  return GuardEdit(m_template, [=, this] { return Move(*this, m_outputFields, field, before); });
+  return GuardEdit(m_template, [=, this] { return Move(*this, m_outputFields, {field}, before); });
+}
+
+bool CTNTemplateRecord::MoveFields(const std::vector<const CTNTemplRecInField*>& fields,
+                                   const CTNTemplRecInField* before) {
+  return GuardEdit(m_template, [&] { return Move(*this, m_inputFields, fields, before); });
+}
+
+bool CTNTemplateRecord::MoveFields(const std::vector<const CTNTemplRecOutField*>& elements,
+                                   const CTNTemplRecOutField* before) {
+  return GuardEdit(m_template, [&] { return Move(*this, m_outputFields, elements, before); });
 }
 
 CTNTemplRecInField* CTNTemplateRecord::AppendCopyOfField(const CTNTemplRecInField& field) {

@@ -84,6 +84,15 @@ class CTNTemplateRecord final : public CTNTemplateArrayElement,
   /// False if the field is not in the record.
   bool MoveField(const CTNTemplRecInField* field, const CTNTemplRecInField* before);
   bool MoveField(const CTNTemplRecOutField* field, const CTNTemplRecOutField* before);
+  /// Several at once, which costs hardly more than one: every edit looks at all expressions of the
+  /// template. They keep the order that they have in the record. All or none: false if none is
+  /// given, or one is not in the record. The input fields that are removed are deleted.
+  bool RemoveFields(const std::vector<const CTNTemplRecInField*>& fields);
+  /// If `before` is among those that move, the others are put before it.
+  bool MoveFields(const std::vector<const CTNTemplRecInField*>& fields,
+                  const CTNTemplRecInField* before);
+  bool MoveFields(const std::vector<const CTNTemplRecOutField*>& elements,
+                  const CTNTemplRecOutField* before);
   /// Appends a copy with all attributes, sub-record link and current value included.
   CTNTemplRecInField* AppendCopyOfField(const CTNTemplRecInField& field);
   CTNTemplRecOutField* AppendCopyOfField(const CTNTemplRecOutField& field);

@@ -197,6 +197,16 @@ bool HasWordsThatNameNothing(const std::vector<CTNOutFieldValueElement>& items) 
   });
 }
 
+/// Without memory for these words either there are none. Nothing may be thrown: the edits that have
+/// expressions parsed again could not be undone any more.
+void TellNoMemory(std::string& error) {
+  try {
+    error = GetMessageText(Msg::NoMemoryForValueText);
+  } catch (const std::bad_alloc&) {
+    error.clear();
+  }
+}
+
 }  // namespace
 
 bool CTNTemplRecOutField::ParseExpression(std::string& error) {
@@ -211,7 +221,7 @@ bool CTNTemplRecOutField::ParseExpression(std::string& error) {
       GetTemplate()->NoteMayMeanMore(*GetParentRecord());
     return error.empty();
   } catch (const std::bad_alloc&) {
-    error = GetMessageText(Msg::NoMemoryForValueText);
+    TellNoMemory(error);
     return false;
   }
 }

@@ -142,6 +142,8 @@ class CTNFileParserDlg final : public CTNDlg, private CTNFrontEnd {
   void MoveRecords(RecordPage page, const CTNTemplateRecord* before);
   void AddNewField(const CTNTemplRecInField* before);
   void DeleteFields();
+  bool DeleteSingly(CTNTemplateRecord& record,
+                    const std::vector<const CTNTemplRecInField*>& fields);
   void MoveFields(const CTNTemplRecInField* before);
   void AddNewElement(const CTNTemplRecOutField* before);
   void DeleteElements();

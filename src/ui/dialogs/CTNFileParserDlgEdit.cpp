@@ -22,9 +22,22 @@ const Element* FirstOf(const std::vector<Element*>& selected) {
 
 std::vector<const CTNTemplRecOutField*> ElementsOf(const CTNTemplateRecord& record) {
   std::vector<const CTNTemplRecOutField*> elements;
+  elements.reserve(record.GetOutputFields().size());
   for (const auto& element : record.GetOutputFields())
     elements.push_back(element.get());
   return elements;
+}
+
+template <class Element>
+std::vector<const Element*> AsConst(const std::vector<Element*>& selected) {
+  return {selected.begin(), selected.end()};
+}
+
+/// An edit of everything that is selected: with much of it in a large template it takes a while.
+template <class Edit>
+bool EditAll(Edit edit) {
+  const WaitCursor wait;
+  return edit();
 }
 
 int FirstRow(const CTNTemplateListCtrl& list) {
@@ -95,10 +108,8 @@ void CTNFileParserDlg::FinishAdding(CTNTemplateRecord* record, bool made) {
 void CTNFileParserDlg::DeleteRecords() {
   CTNTemplRecordListCtrl& list = RecordList(VisiblePage());
   const int row = FirstRow(list);
-  bool deleted = false;
-  for (const CTNTemplateRecord* record : list.GetSelectedRecords())
-    deleted = m_engine->GetTemplate()->DeleteRecord(record) || deleted;
-  if (!deleted) return;
+  const auto records = AsConst(list.GetSelectedRecords());
+  if (!EditAll([&] { return m_engine->GetTemplate()->DeleteRecords(records); })) return;
   FinishEdit(kRecordsDeleted);
   SelectAfterDeleting(list, row);
 }
@@ -115,6 +126,7 @@ void CTNFileParserDlg::SelectElements(CTNTemplateListCtrl& list,
   // The first one alone, so that it is the current one and in sight, then the others with it.
   list.SelectElementAlone(elements.front());
   std::vector<int> rows;
+  rows.reserve(elements.size());
   for (const Element* element : elements)
     rows.push_back(list.FindRow(element));
   list.SetSelectedRows(rows);
@@ -138,10 +150,9 @@ void CTNFileParserDlg::CopyRecords() {
 }
 
 void CTNFileParserDlg::MoveRecords(RecordPage page, const CTNTemplateRecord* before) {
-  bool moved = false;
-  for (const CTNTemplateRecord* record : RecordList(page).GetSelectedRecords())
-    moved = m_engine->GetTemplate()->MoveRecord(record, before) || moved;
-  if (moved) FinishEdit(kRecordsModified);
+  const auto records = AsConst(RecordList(page).GetSelectedRecords());
+  if (!EditAll([&] { return m_engine->GetTemplate()->MoveRecords(records, before); })) return;
+  FinishEdit(kRecordsModified);
 }
 
 // Input fields and output elements.
@@ -219,29 +230,35 @@ void CTNFileParserDlg::AddNewField(const CTNTemplRecInField* before) {
 
 void CTNFileParserDlg::DeleteFields() {
   CTNTemplateRecord* const record = m_fields->GetRecord();
-  const std::vector<CTNTemplRecInField*> fields = m_fields->GetSelectedFields();
+  const auto fields = AsConst(m_fields->GetSelectedFields());
   if (record == nullptr) return;
   const int row = FirstRow(*m_fields);
-  bool deleted = false;
-  for (std::size_t place = fields.size(); place > 0; --place) {
-    if (record->RemoveField(fields[place - 1]) != nullptr) {
-      deleted = true;
-    } else {
-      ShowFailure(ToDisplayText(FormatMessageText(Msg::ErrorDeletingField, place)));
-    }
-  }
-  if (!deleted) return;
+  const bool all = EditAll([&] { return record->RemoveFields(fields); });
+  if (!all && !DeleteSingly(*record, fields)) return;
   record->Validate();
   FinishEdit(kInputFieldsDeleted);
   SelectAfterDeleting(*m_fields, row);
 }
 
+/// Deletes the fields that can be deleted, from the last to the first, and names the others. True
+/// when any are gone.
+bool CTNFileParserDlg::DeleteSingly(CTNTemplateRecord& record,
+                                    const std::vector<const CTNTemplRecInField*>& fields) {
+  bool deleted = false;
+  for (std::size_t place = fields.size(); place > 0; --place) {
+    if (record.RemoveField(fields[place - 1]) != nullptr) {
+      deleted = true;
+    } else {
+      ShowFailure(ToDisplayText(FormatMessageText(Msg::ErrorDeletingField, place)));
+    }
+  }
+  return deleted;
+}
+
 void CTNFileParserDlg::MoveFields(const CTNTemplRecInField* before) {
   CTNTemplateRecord* const record = m_fields->GetRecord();
-  bool moved = false;
-  for (const CTNTemplRecInField* field : m_fields->GetSelectedFields())
-    moved = record->MoveField(field, before) || moved;
-  if (!moved) return;
+  const auto fields = AsConst(m_fields->GetSelectedFields());
+  if (record == nullptr || !EditAll([&] { return record->MoveFields(fields, before); })) return;
   record->Validate();
   FinishEdit(kInputFieldsModified);
 }
@@ -300,10 +317,8 @@ void CTNFileParserDlg::DeleteElements() {
 
 void CTNFileParserDlg::MoveElements(const CTNTemplRecOutField* before) {
   CTNTemplateRecord* const record = m_elements->GetRecord();
-  bool moved = false;
-  for (const CTNTemplRecOutField* element : m_elements->GetSelectedElements())
-    moved = record->MoveField(element, before) || moved;
-  if (!moved) return;
+  const auto elements = AsConst(m_elements->GetSelectedElements());
+  if (record == nullptr || !EditAll([&] { return record->MoveFields(elements, before); })) return;
   record->Validate();
   FinishEdit(kOutputElementsModified);
 }

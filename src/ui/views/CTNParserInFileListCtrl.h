@@ -86,8 +86,6 @@ class CTNParserInFileListCtrl final : public CTNParserListCtrl {
   void keyPressEvent(QKeyEvent* event) override;
   void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
-
- protected slots:
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
  private:

@@ -143,6 +143,115 @@ TEST_F(MainDialogEditTest, TheRequiredElementSetIsCreatedForTheSelectedRecord) {
             record.GetOutputFields().size());
 }
 
+// Several at once.
+
+/// Records "r1" to "r6", the first of which is shown: it has six fields and six elements.
+class MainDialogSeveralTest : public MainDialogEditTest {
+ protected:
+  static constexpr const char* kNames[] = {"r1", "r2", "r3", "r4", "r5", "r6"};
+
+  void SetUp() override {
+    CTNParserTemplate document(nullptr);
+    std::vector<FieldSpec> fields;
+    std::vector<OutputSpec> elements;
+    for (int i = 1; i <= 6; ++i) {
+      fields.push_back(String("f" + std::to_string(i)));
+      elements.push_back({OutputTag::None, "F" + std::to_string(i)});
+    }
+    for (const char* name : kNames)
+      AddRecord(document, RecordKind::Part, name, fields, elements);
+    Load(XmlText(document));
+    Dialog().resize(1200, 1000);  // So that there is room below the rows of every list.
+    Records().SelectRowAlone(0);
+    QApplication::setActiveWindow(&Dialog());  // Shortcuts work there.
+    Settle();
+  }
+  Texts MatchValues() { return Under(Fields(), "MATCH VALUE"); }
+  static void MoveRows(CTNParserListCtrl& list, const Chosen& rows, Qt::Key direction) {
+    list.SetSelectedRows(rows);
+    list.setFocus();
+    QTest::keyClick(&list, direction, Qt::AltModifier);
+    Settle();
+  }
+  static void DropBelowRows(CTNParserListCtrl& list, const Chosen& rows) {
+    list.SetSelectedRows(rows);
+    list.OnDrop(&list, list.viewport()->mapToGlobal(BelowRows(list)));
+    Settle();
+  }
+  static void Delete(CTNParserListCtrl& list, const Chosen& rows) {
+    list.SetSelectedRows(rows);
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_Delete);
+    Settle();
+  }
+};
+
+TEST_F(MainDialogSeveralTest, RecordsMoveTogetherKeepTheirOrderAndStaySelected) {
+  MoveRows(Records(), {2, 3}, Qt::Key_Up);
+  EXPECT_EQ(Descriptions(), (Texts{"r1", "r3", "r4", "r2", "r5", "r6"}));
+  EXPECT_EQ(Selected(Records()), (Chosen{1, 2}));
+  MoveRows(Records(), {1, 2}, Qt::Key_Down);
+  EXPECT_EQ(Descriptions(), (Texts{"r1", "r2", "r3", "r4", "r5", "r6"}));
+  EXPECT_EQ(Selected(Records()), (Chosen{2, 3}));
+  MoveRows(Records(), {1, 3, 5}, Qt::Key_Up);
+  EXPECT_EQ(Descriptions(), (Texts{"r2", "r4", "r6", "r1", "r3", "r5"}));
+  EXPECT_EQ(Selected(Records()), (Chosen{0, 1, 2}));
+  MoveRows(Records(), {0, 2, 4}, Qt::Key_Down);
+  EXPECT_EQ(Descriptions(), (Texts{"r4", "r1", "r5", "r2", "r6", "r3"}));
+  EXPECT_EQ(Selected(Records()), (Chosen{3, 4, 5}));
+  DropBelowRows(Records(), {0, 2});
+  EXPECT_EQ(Descriptions(), (Texts{"r1", "r2", "r6", "r3", "r4", "r5"}));
+  EXPECT_EQ(Selected(Records()), (Chosen{4, 5}));
+}
+
+TEST_F(MainDialogSeveralTest, FieldsMoveTogetherKeepTheirOrderAndAreFollowedByExpressions) {
+  MoveRows(Fields(), {2, 3}, Qt::Key_Up);
+  EXPECT_EQ(MatchValues(), (Texts{"f1", "f3", "f4", "f2", "f5", "f6"}));
+  EXPECT_EQ(Selected(Fields()), (Chosen{1, 2}));
+  EXPECT_EQ(Expressions(), (Texts{"F1", "F4", "F2", "F3", "F5", "F6"}));
+  MoveRows(Fields(), {0, 2, 3}, Qt::Key_Down);
+  EXPECT_EQ(MatchValues(), (Texts{"f3", "f5", "f1", "f4", "f2", "f6"}));
+  EXPECT_EQ(Selected(Fields()), (Chosen{2, 3, 4}));
+  DropBelowRows(Fields(), {0, 3});
+  EXPECT_EQ(MatchValues(), (Texts{"f5", "f1", "f2", "f6", "f3", "f4"}));
+  EXPECT_EQ(Selected(Fields()), (Chosen{4, 5}));
+  EXPECT_EQ(Expressions(), (Texts{"F2", "F3", "F5", "F6", "F1", "F4"}));
+}
+
+TEST_F(MainDialogSeveralTest, ElementsMoveTogetherAndKeepTheirOrder) {
+  MoveRows(Elements(), {2, 3}, Qt::Key_Up);
+  EXPECT_EQ(Expressions(), (Texts{"F1", "F3", "F4", "F2", "F5", "F6"}));
+  EXPECT_EQ(Selected(Elements()), (Chosen{1, 2}));
+  MoveRows(Elements(), {0, 2, 3}, Qt::Key_Down);
+  EXPECT_EQ(Expressions(), (Texts{"F3", "F5", "F1", "F4", "F2", "F6"}));
+  EXPECT_EQ(Selected(Elements()), (Chosen{2, 3, 4}));
+  DropBelowRows(Elements(), {0, 3});
+  EXPECT_EQ(Expressions(), (Texts{"F5", "F1", "F2", "F6", "F3", "F4"}));
+  EXPECT_EQ(Selected(Elements()), (Chosen{4, 5}));
+}
+
+TEST_F(MainDialogSeveralTest, AfterDeletingScatteredRecordsTheRowOfTheFirstIsSelected) {
+  Delete(Records(), {1, 2, 4});
+  EXPECT_EQ(Descriptions(), (Texts{"r1", "r4", "r6"}));
+  EXPECT_EQ(Selected(Records()), Chosen{1});
+  EXPECT_EQ(Fields().GetRecord(), Document().GetEntityRecords()[1].get());
+  Delete(Records(), {0, 2});
+  EXPECT_EQ(Descriptions(), Texts{"r4"});
+  EXPECT_EQ(Selected(Records()), Chosen{0});
+  EXPECT_TRUE(dialogs.boxes.empty());
+}
+
+TEST_F(MainDialogSeveralTest, AfterDeletingScatteredFieldsTheRowOfTheFirstIsSelected) {
+  Delete(Fields(), {1, 2, 4});
+  EXPECT_EQ(MatchValues(), (Texts{"f1", "f4", "f6"}));
+  EXPECT_EQ(Selected(Fields()), Chosen{1});
+  EXPECT_EQ(Expressions(), (Texts{"F1", "??", "??", "F2", "??", "F3"}));
+  Delete(Fields(), {1, 2});
+  EXPECT_EQ(MatchValues(), Texts{"f1"});
+  EXPECT_EQ(Selected(Fields()), Chosen{0}) << "behind the last one there is none";
+  EXPECT_TRUE(dialogs.boxes.empty());
+}
+
 // Records from lines of the input file.
 
 TEST_F(MainDialogEditTest, SelectedLinesBecomeAnEntityRecordOnTheEntityPage) {

@@ -275,6 +275,62 @@ TEST_F(ParserTemplateTest, RecordsMoveWithinTheirList) {
   EXPECT_EQ(ListsOf(document), "E: two three one A: sub");
 }
 
+class SeveralRecordsTest : public ParserTemplateTest {
+ protected:
+  using Records = std::vector<const CTNTemplateRecord*>;
+
+  SeveralRecordsTest() {
+    for (const char* name : {"one", "two", "three", "four", "five"})
+      document.AddRecord(RecordKind::Part, name);
+    document.AddRecord(RecordKind::SubRecord, "sub");
+  }
+  CTNTemplateRecord* At(const std::string& id) { return document.FindRecordByID(id); }
+  Records At(const Texts& ids) {
+    Records records;
+    for (const std::string& id : ids)
+      records.push_back(At(id));
+    return records;
+  }
+};
+
+TEST_F(SeveralRecordsTest, MoveTogetherAndKeepTheOrderThatTheyHaveInTheList) {
+  EXPECT_TRUE(document.MoveRecords(At(Texts{"E5", "E2"}), At("E1")));
+  EXPECT_EQ(ListsOf(document), "E: two five one three four A: sub");
+  EXPECT_TRUE(document.MoveRecords(At(Texts{"E1", "E3"}), At("E5")));
+  EXPECT_EQ(ListsOf(document), "E: five three two one four A: sub");
+  EXPECT_TRUE(document.MoveRecords(At(Texts{"E1", "E2"}), nullptr));
+  EXPECT_EQ(ListsOf(document), "E: two one four five three A: sub");
+  EXPECT_TRUE(document.MoveRecords(At(Texts{"E1", "E3"}), At("A1"))) << "to the end as well";
+  EXPECT_EQ(ListsOf(document), "E: one five three two four A: sub");
+  EXPECT_EQ(document.GetRecordID(document.GetEntityRecords()[1].get()), "E2");
+}
+
+TEST_F(SeveralRecordsTest, GoBeforeTheOneAmongThemThatTheyAreToGoBefore) {
+  EXPECT_TRUE(document.MoveRecords(At(Texts{"E1", "E3", "E5"}), At("E3")));
+  EXPECT_EQ(ListsOf(document), "E: two one five three four A: sub");
+}
+
+TEST_F(SeveralRecordsTest, AreDeletedTogether) {
+  EXPECT_TRUE(document.DeleteRecords(At(Texts{"E5", "E1", "E3", "E1"})));
+  EXPECT_EQ(ListsOf(document), "E: two four A: sub");
+  EXPECT_EQ(At("E2")->GetDescription(), "four");
+}
+
+TEST_F(SeveralRecordsTest, AreOnlyEditedWhenAllAreInOneList) {
+  CTNParserTemplate other(nullptr);
+  const std::string before = ListsOf(document);
+  for (const Records& records :
+       {Records(), Records{nullptr}, Records{At("E1"), nullptr}, Records{At("E1"), At("A1")},
+        Records{At("E1"), other.AddRecord(RecordKind::Part, "other")},
+        Records{At("E1"), &document.GetCatchAllRecord()}}) {
+    EXPECT_FALSE(document.DeleteRecords(records));
+    EXPECT_FALSE(document.MoveRecords(records, nullptr));
+    EXPECT_FALSE(document.MoveRecords(records, At("E5")));
+  }
+  EXPECT_EQ(ListsOf(document), before);
+  EXPECT_EQ(document.GetErrorLog().GetAllLines(), Texts());
+}
+
 TEST_F(ParserTemplateTest, SubRecordFieldsOfADeletedRecordReadAsUnresolved) {
   AddRecord(document, RecordKind::SubRecord, "sub", {WholeNum()});
   AddRecord(document, RecordKind::SubRecord, "next", {Alpha()});

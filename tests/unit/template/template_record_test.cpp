@@ -270,6 +270,52 @@ TEST_F(TemplateRecordTest, OutputElementsMoveToo) {
   EXPECT_EQ(FieldsOf(record), (Texts{"UNITS", "SHAPE", "SCALE", "DCODE"}));
 }
 
+TEST_F(TemplateRecordTest, SeveralFieldsMoveTogetherAndKeepTheOrderThatTheyHaveInTheRecord) {
+  CTNTemplateRecord& record = Auxiliary({Space(), Tab(), Alpha(), Newline()});
+  const auto at = [&record](std::size_t i) { return record.GetInputFields()[i].get(); };
+  EXPECT_TRUE(record.MoveFields({at(3), at(1)}, at(0)));
+  EXPECT_EQ(FieldsOf(record), (Texts{"TAB", "NEWLINE", "SPACE", "ALPHA"}));
+  const std::vector<const CTNTemplRecInField*> scattered = {at(0), at(2)};
+  EXPECT_TRUE(record.MoveFields(scattered, nullptr));
+  EXPECT_EQ(FieldsOf(record), (Texts{"NEWLINE", "ALPHA", "TAB", "SPACE"}));
+  EXPECT_TRUE(record.MoveFields({at(0), at(1), at(3)}, at(1)));
+  EXPECT_EQ(FieldsOf(record), (Texts{"NEWLINE", "SPACE", "ALPHA", "TAB"}));
+}
+
+TEST_F(TemplateRecordTest, SeveralOutputElementsMoveTogetherToo) {
+  CTNTemplateRecord& record = Auxiliary({}, ApertureWith({}));
+  ASSERT_EQ(FieldsOf(record), (Texts{"DCODE", "SHAPE", "SCALE", "UNITS"}));
+  const auto at = [&record](std::size_t i) { return record.GetOutputFields()[i].get(); };
+  EXPECT_TRUE(record.MoveFields({at(1), at(3)}, at(0)));
+  EXPECT_EQ(FieldsOf(record), (Texts{"SHAPE", "UNITS", "DCODE", "SCALE"}));
+}
+
+TEST_F(TemplateRecordTest, SeveralFieldsAreDeletedTogether) {
+  CTNTemplateRecord& record =
+      Auxiliary({Space(), Tab(), Alpha(), Newline()}, {{OutputTag::Width, "F1 F2 F3 F4"}});
+  const auto at = [&record](std::size_t i) { return record.GetInputFields()[i].get(); };
+  EXPECT_TRUE(record.RemoveFields({at(2), at(0)}));
+  EXPECT_EQ(FieldsOf(record), (Texts{"TAB", "NEWLINE", "WIDTH"}));
+  EXPECT_EQ(ExpressionsOf(record), Texts{"?? F1 ?? F2"});
+}
+
+TEST_F(TemplateRecordTest, SeveralFieldsAreOnlyEditedWhenAllAreInTheRecord) {
+  CTNTemplateRecord& other = Auxiliary({Tab()}, {{OutputTag::None, "F1"}});
+  CTNTemplateRecord& record = Auxiliary({Space(), Alpha()}, {{OutputTag::Scale, "1"}});
+  using Fields = std::vector<const CTNTemplRecInField*>;
+  const CTNTemplRecInField* own = record.GetInputFields()[0].get();
+  const CTNTemplRecInField* alien = other.GetInputFields()[0].get();
+  for (const Fields& fields :
+       {Fields(), Fields{nullptr}, Fields{own, nullptr}, Fields{own, alien}}) {
+    EXPECT_FALSE(record.RemoveFields(fields));
+    EXPECT_FALSE(record.MoveFields(fields, nullptr));
+  }
+  const std::vector<const CTNTemplRecOutField*> elements = {record.GetOutputFields()[0].get(),
+                                                            other.GetOutputFields()[0].get()};
+  EXPECT_FALSE(record.MoveFields(elements, nullptr));
+  EXPECT_EQ(FieldsOf(record), (Texts{"SPACE", "ALPHA", "SCALE"}));
+}
+
 TEST_F(TemplateRecordTest, AnAppendedCopyOfAnInputFieldHasAllItsAttributes) {
   CTNTemplateRecord& sub = Record(RecordKind::SubRecord, {Alpha()});
   CTNTemplateRecord& from = Auxiliary({Optional(SubRecord("A1"))});
