@@ -28,9 +28,10 @@ class MainDialogTestOfItself : public MainDialogTest {
     QMenu& menu = *RecentButton(number).findChild<QMenu*>();
     emit menu.aboutToShow();
     Texts items;
-    for (const QAction* item : menu.actions())
-      items.push_back(item->isEnabled() ? item->text().toStdString()
-                                        : "[" + item->text().toStdString() + "]");
+    for (const QAction* item : menu.actions()) {
+      const std::string text = item->text().toStdString();
+      items.push_back(item->isEnabled() ? text : "[" + text + "]");
+    }
     return items;
   }
   void ChooseRecent(Ctrl number, int item) {
