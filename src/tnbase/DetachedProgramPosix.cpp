@@ -11,7 +11,7 @@ namespace {
 
 /// What this program does about signals is not the other's concern.
 void ForgetSignalHandling() {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGCHLD}) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ, SIGCHLD}) {
     std::signal(number, SIG_DFL);
   }
   sigset_t none;

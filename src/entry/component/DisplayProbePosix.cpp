@@ -5,7 +5,9 @@
 #include <QGuiApplication>
 #include <QString>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,6 +30,11 @@ void EndSilently(QtMsgType type, const QMessageLogContext&, const QString&) {
 }
 
 bool HearsSomething(int pipe) {
+  // What another thread of the host held when the child was made is held there for good: the child
+  // may wait for it in vain.
+  constexpr int kPatience = 10'000;  // Milliseconds.
+  pollfd waiting = {.fd = pipe, .events = POLLIN, .revents = 0};
+  if (poll(&waiting, 1, kPatience) <= 0) return false;
   char byte = 0;
   ssize_t count = 0;
   do {
@@ -49,6 +56,7 @@ bool CanOpenDisplay() {
   const bool opened = child > 0 && HearsSomething(ends[0]);
   close(ends[0]);
   if (child > 0) {
+    if (!opened) kill(child, SIGKILL);
     while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
     }
   }

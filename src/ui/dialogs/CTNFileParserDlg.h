@@ -41,7 +41,7 @@ enum class Msg : std::uint32_t;
 /// they ask for; every button is one workflow.
 ///
 /// Exit alone ends it in order: it asks, closes, and stores the settings. Escape and the close box
-/// ask nothing and store nothing.
+/// ask nothing and store none of them.
 class CTNFileParserDlg final : public CTNDlg, private CTNFrontEnd {
   Q_OBJECT
 

@@ -87,6 +87,9 @@ class TutorialTest : public ComponentTest {
     QTest::keyClick(&filter, Qt::Key_Escape);
     Settle();
     EXPECT_EQ(Rows(Ctrl::InputRows), 22);
+    QTest::keyClick(&filter, Qt::Key_F8);
+    Settle();
+    EXPECT_EQ(Table(Ctrl::InputRows).currentIndex().row(), 0);
   }
   void MakeARecord() {
     ClickLine(9);
@@ -241,7 +244,11 @@ class TutorialTest : public ComponentTest {
     EXPECT_FALSE(Button(Ctrl::OutputEntityList).isEnabled());
     Picture("10");
     ShowTab(Ctrl::InputSheet, 0);
-    modal.WillChooseFile(PathOf("input.xml"));
+    modal.WillUse([](QDialog& shown) {
+      auto* const edit = shown.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+      EXPECT_EQ(edit->text(), "input");  // The ending is added.
+      QTest::keyClick(edit, Qt::Key_Return);
+    });
     Press(Ctrl::OutputEntityList);
     EXPECT_EQ(BytesOf("input.xml"), BytesAt(std::string(kExample) + "expected.xml"));
   }
@@ -291,6 +298,7 @@ class TutorialTest : public ComponentTest {
   }
   void ClickLine(int line) { Click(Ctrl::InputRows, line - 1, kFileText); }
   void ChooseAt(Ctrl number, int row, Cmd command) {
+    QTest::mouseClick(Table(number).viewport(), Qt::RightButton, {}, Place(number, row, kId));
     RightClick(*Table(number).viewport(), Place(number, row, kId));
     ChooseCommand(command);
     Settle();

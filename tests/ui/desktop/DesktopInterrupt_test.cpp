@@ -7,7 +7,7 @@
 namespace bomparser::test {
 namespace {
 
-/// A fixture of its own: a process that was asked to end stays asked.
+/// In a file of its own behind the others: a process that was asked to end stays asked.
 class DesktopInterruptTest : public DesktopTest {
  protected:
   /// The temporary folders of the program; the libraries may have theirs.

@@ -583,6 +583,22 @@ TEST_F(MainDialogEditTest, CurrentValuesFollowTheLineThatIsSelected) {
   EXPECT_EQ(CurrentValues(), (Texts{"b", ""}));
 }
 
+TEST_F(MainDialogEditTest, TheSelectedLineStaysTheSourceOfCurrentValuesAfterAnApplication) {
+  LoadAndOpen();
+  Click(Rows(), 0, 2);
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(CurrentValues(), (Texts{"a", ""}));
+}
+
+TEST_F(MainDialogEditTest, ALineOfAnotherRecordLeavesTheLastBlockAsSourceOfCurrentValues) {
+  LoadAndOpen();
+  Click(Rows(), 0, 2);
+  Choose(Records(), Cmd::AppendNew);
+  Click(Rows(), 1, 2);  // Unmatched.
+  Records().SelectRowAlone(0);
+  EXPECT_EQ(CurrentValues(), (Texts{"b", ""}));
+}
+
 TEST_F(MainDialogEditTest, ALineTurnsThePageSelectsItsRecordAloneAndKeepsTheFocus) {
   LoadAndOpen();
   ShowPage(RecordPage::Auxiliary);
@@ -702,6 +718,29 @@ TEST_F(MainDialogEditTest, AnAutomaticApplicationThatFailsShowsNoBoxAndAnEmptyLi
   EXPECT_EQ(Rows().accessibleDescription(),
             "The template could not be applied to the input file. \"Apply Template\" tells why.");
   EXPECT_EQ(Buttons(), "OCFAUE");
+}
+
+TEST_F(MainDialogEditTest, AfterAFailedAutomaticApplicationNoEditAppliesUntilTheUserDoes) {
+  LoadAndOpen();
+  std::filesystem::resize_file(PathOf("input.txt"), CTNTextFile::kTooLong);
+  Choose(Records(), Cmd::AppendNew);
+  WriteFile("input.txt", "a\n");
+  Choose(Records(), Cmd::AppendNew);
+  EXPECT_FALSE(InFile().IsApplied());
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(Flags(), "applied");
+}
+
+TEST_F(MainDialogEditTest, ATestOfLinesFirstEndsAnOpenEditorAndTakesItsValue) {
+  LoadAndOpen();
+  Rows().SelectRowAlone(1);
+  ASSERT_TRUE(Rows().GatherSelection(GatherOrder::AsListed));
+  Records().SelectRowAlone(0);
+  ASSERT_TRUE(Fields().BeginEdit(Fields().model()->index(0, Titled(Fields(), "MATCH VALUE"))));
+  dynamic_cast<CTNInPlaceEdit*>(Fields().GetEditor())->setText("x");
+  emit Rows().TestSelectionRequested();
+  EXPECT_EQ(dialogs.boxes, Boxes{"information|BOM Parser|Selected block matched successfully to "
+                                 "selected record|Ok"});
 }
 
 TEST_F(MainDialogEditTest, AnAutomaticApplicationFallsBackToTheFileThatIsOpen) {

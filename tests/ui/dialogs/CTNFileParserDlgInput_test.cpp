@@ -2,9 +2,13 @@
 #include "ui/controls/CProgressWnd.h"
 #include "ui/controls/LateProgress.h"
 
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QPushButton>
+#include <QUrl>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sys/stat.h>
 #include <thread>
 
@@ -134,22 +138,35 @@ TEST_F(MainDialogInputTest, AFailedOpenRemembersNoFolder) {
   EXPECT_EQ(host.profile["BOM Parser/INPUT_FILE_PATH"], Folder());
 }
 
-/// Cancels the progress window that appears, as its button does.
-class CancelledProgress : public QObject {
+/// Does something whenever a progress window appears.
+class ProgressWatch : public QObject {
  public:
-  CancelledProgress() { QApplication::instance()->installEventFilter(this); }
-  int seen = 0;
+  explicit ProgressWatch(std::function<void(CProgressWnd&)> act) : m_act(std::move(act)) {
+    QApplication::instance()->installEventFilter(this);
+  }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     auto* const window = qobject_cast<CProgressWnd*>(watched);
-    if (window != nullptr && event->type() == QEvent::Show) {
-      ++seen;
-      QMetaObject::invokeMethod(
-          window, [window] { window->Cancel(); }, Qt::QueuedConnection);
-    }
+    if (window != nullptr && event->type() == QEvent::Show) m_act(*window);
     return false;
   }
+
+ private:
+  std::function<void(CProgressWnd&)> m_act;
+};
+
+/// Cancels the progress window that appears, as its button does.
+class CancelledProgress {
+ public:
+  int seen = 0;
+
+ private:
+  ProgressWatch m_watch{[this](CProgressWnd& window) {
+    ++seen;
+    QMetaObject::invokeMethod(
+        &window, [&window] { window.Cancel(); }, Qt::QueuedConnection);
+  }};
 };
 
 TEST_F(MainDialogInputTest, AnOpenThatIsCancelledIsAnErrorBoxAndLeavesTheButtonsOff) {
@@ -193,6 +210,15 @@ TEST_F(MainDialogInputTest, CloseAsksAgainWhenTheListThatWasOutputIsStale) {
   const std::string before = State();
   Press(Ctrl::CloseInput);
   EXPECT_EQ(dialogs.boxes, Boxes{kAskOutput});
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogInputTest, CloseStopsWhenTheOutputThatWasAskedForIsCancelled) {
+  LoadAndOpen();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::Yes);
+  WillCancel();
+  Press(Ctrl::CloseInput);
   EXPECT_EQ(State(), before);
 }
 
@@ -269,22 +295,7 @@ TEST_F(MainDialogInputTest, TheViewTakesNoInputWhileTheTemplateIsApplied) {
   LoadAndOpen();
   Rows().setFocus();
   bool enabled = true;
-  dialogs.whileAsking = [] {};
-  class Watch : public QObject {
-   public:
-    Watch(QWidget& view, bool& on) : m_view(view), m_on(on) {
-      QApplication::instance()->installEventFilter(this);
-    }
-    bool eventFilter(QObject* watched, QEvent* event) override {
-      if (qobject_cast<CProgressWnd*>(watched) != nullptr && event->type() == QEvent::Show)
-        m_on = m_view.isEnabled();
-      return false;
-    }
-
-   private:
-    QWidget& m_view;
-    bool& m_on;
-  } const watch(Rows(), enabled);
+  const ProgressWatch watch([&](CProgressWnd&) { enabled = Rows().isEnabled(); });
   Press(Ctrl::ApplyTemplate);
   EXPECT_FALSE(enabled);
   EXPECT_TRUE(Rows().isEnabled());
@@ -346,6 +357,46 @@ TEST_F(MainDialogInputTest, ASearchThatStopsAtOnceLeavesTheSelectionOfTheRecords
   EXPECT_TRUE(Engine().IsTemplateModified()) << "No to saving goes on without it";
 }
 
+TEST_F(MainDialogInputTest, WhatEndedASearchThatFoundSomethingStandsBelowTheReport) {
+  MakeFolder("library");
+  Engine().SetTemplateSearchPath(PathOf("library"));
+  // Templates are tried in the folder's own order, and the failure is to come second.
+  WriteFile("library/one.xml", "");
+  WriteFile("library/two.xml", "");
+  Texts order;
+  for (const auto& entry : std::filesystem::directory_iterator(PathOf("library")))
+    order.push_back(entry.path().filename().string());
+  CTNParserTemplate failing(nullptr);
+  AddRecord(failing, RecordKind::SingleMatch, "takes nothing", {});
+  WriteFile("library/" + order[0], TemplateFor("a"));
+  WriteFile("library/" + order[1], XmlText(failing));
+  OpenText("a\nx\n");
+  Press(Ctrl::FindTemplate);
+  ASSERT_EQ(dialogs.boxes.size(), 1U);
+  const std::string report = "information|BOM Parser|Template file " + order[0] +
+                             " (untitled) matched 1 of 2 parseable blocks in file (50.00%).|Ok|";
+  EXPECT_EQ(dialogs.boxes[0].substr(0, report.size()), report);
+  EXPECT_GT(dialogs.boxes[0].size(), report.size());
+}
+
+TEST_F(MainDialogInputTest, TheFourViewsTakeNoInputWhileATemplateIsSearched) {
+  WriteFile("one.xml", TemplateFor("a"));
+  OpenText("a\n");
+  std::string enabled = "not seen";
+  const ProgressWatch watch([this, &enabled](CProgressWnd&) {
+    enabled.clear();
+    for (const QWidget* view :
+         {static_cast<QWidget*>(&Rows()), static_cast<QWidget*>(&Records()),
+          static_cast<QWidget*>(&Fields()), static_cast<QWidget*>(&Elements())}) {
+      enabled += view->isEnabled() ? '1' : '0';
+    }
+  });
+  Press(Ctrl::FindTemplate);
+  EXPECT_EQ(enabled, "0000");
+  EXPECT_TRUE(Rows().isEnabled());
+  EXPECT_TRUE(Elements().isEnabled());
+}
+
 TEST_F(MainDialogInputTest, FindWithoutASearchPathSaysSo) {
   OpenText("a\n");
   Engine().SetTemplateSearchPath("");
@@ -402,6 +453,64 @@ TEST_F(MainDialogInputTest, ASearchThatIsCancelledIsAnErrorBox) {
   EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Operation cancelled|Ok"});
   EXPECT_TRUE(Records().isEnabled());
   EXPECT_TRUE(Fields().isEnabled());
+}
+
+// While something is under way.
+
+TEST_F(MainDialogInputTest, NothingElseBeginsWhileTheTemplateIsApplied) {
+  LoadAndOpen();
+  WriteFile("other.txt", "b\n");
+  Choose(Records(), Cmd::AppendNew);
+  int seen = 0;
+  const ProgressWatch watch([this, &seen](CProgressWnd&) {
+    ++seen;
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(PathOf("other.txt")))});
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QApplication::sendEvent(&Dialog(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
+    Dialog().close();
+    Rows().SelectRowAlone(0);  // Is told of later, in the middle of the application.
+    emit FindControl<QPushButton>(Dialog(), Ctrl::CreateNew)->clicked();
+  });
+  Press(Ctrl::ApplyTemplate);
+  EXPECT_EQ(seen, 1);
+  EXPECT_TRUE(IsOpen());
+  EXPECT_EQ(TextOf(Ctrl::InputFile), PathOf("input.txt"));
+  EXPECT_EQ(Records().model()->rowCount(), 2);
+  EXPECT_EQ(Flags(), "applied");
+}
+
+TEST_F(MainDialogInputTest, TheFocusComesBackAfterAnApplication) {
+  LoadAndOpen();
+  Rows().setFocus();
+  FindControl<QPushButton>(Dialog(), Ctrl::ApplyTemplate)->click();
+  Settle();
+  EXPECT_TRUE(Rows().hasFocus());
+}
+
+TEST_F(MainDialogInputTest, ALoadWhoseApplicationIsCancelledHasLoadedAndLeavesTheRowsStale) {
+  LoadAndOpen();
+  const CancelledProgress cancel;
+  Load(TemplateFor("x"), "other.xml");
+  EXPECT_EQ(dialogs.boxes, Boxes{"error|BOM Parser|Operation cancelled|Ok"});
+  EXPECT_EQ(TextOf(Ctrl::TemplateFile), PathOf("other.xml"));
+  EXPECT_EQ(Flags(), "applied stale");
+  EXPECT_EQ(Buttons(), "OCFAUE");
+  EXPECT_EQ(Column(Rows(), 1), (Texts{"??", "??", "??"}));
+}
+
+TEST_F(MainDialogInputTest, AnOutputWhoseApplicationIsCancelledWritesNothing) {
+  LoadAndOpen();
+  AddStaleRecord();
+  WillAnswer(BoxAnswer::Yes);
+  const CancelledProgress cancel;
+  const auto names = Names();
+  Press(Ctrl::OutputEntityList);
+  EXPECT_EQ(dialogs.boxes, (Boxes{kAskReapply, "error|BOM Parser|Operation cancelled|Ok"}));
+  EXPECT_EQ(Names(), names);
+  EXPECT_EQ(Flags(), "applied stale");
 }
 
 // Output.
@@ -577,19 +686,17 @@ TEST_F(MainDialogInputTest, TheResultsPageWithoutAFileGivesBackTheButtonsThatWer
 }
 
 TEST_F(MainDialogInputTest, AWorkflowChangesTheButtonsThatComeBackAfterTheResultsPage) {
-  LoadAndOpen();
-  std::filesystem::remove(PathOf("input.txt"));
-  Press(Ctrl::ApplyTemplate);
-  dialogs.boxes.clear();
+  OpenText("a\n");
   WillAnswer(BoxAnswer::No);
-  WriteFile("input.txt", "a\n");
-  Press(Ctrl::ApplyTemplate);
+  WillChoose("nowhere.txt");
+  Press(Ctrl::OpenInput);
+  ASSERT_EQ(Buttons(), "O.....");
+  OpenText("a\n");
   ShowResults(true);
   Load(TemplateFor("a"), "other.xml");
   EXPECT_EQ(Buttons(), "......") << "loading applies, and leaves them off here";
   ShowResults(false);
   EXPECT_EQ(Buttons(), "OCFAUE");
-  dialogs.answers.clear();
 }
 
 TEST_F(MainDialogInputTest, TheResultsPageFollowsAnAutomaticApplication) {

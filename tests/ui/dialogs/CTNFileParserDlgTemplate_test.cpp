@@ -2,6 +2,7 @@
 #include "ui/dialogs/CTNDlgErrorLog.h"
 #include "ui/dialogs/CTNTemplateParamsDlg.h"
 
+#include <QCursor>
 #include <QTableView>
 #include <filesystem>
 
@@ -214,6 +215,34 @@ TEST_F(MainDialogTemplateTest, ANewTemplateIsProposedAsUnsavedInTheTemplateFolde
     return false;
   });
   Press(Ctrl::SaveToFile);
+}
+
+TEST_F(MainDialogTemplateTest, ANameWithBytesThatNoTextCanHoldIsProposedAsItIs) {
+  const std::string name = "b\xE4 board.xml";
+  WriteFile(name, TemplateFor("a"));
+  host.profile["Start/TEMPLATE_FILE"] = PathOf(name);
+  Dialog();
+  AddStaleRecord();
+  dialogs.runs.emplace_back([](QDialog&) { return true; });  // Taken as it is proposed.
+  Press(Ctrl::SaveToFile);
+  EXPECT_EQ(BytesOf(name), XmlText(Document()));
+  EXPECT_EQ(Names(), Texts{name}) << "no second file beside it";
+  EXPECT_EQ(Document().GetFilePath(), PathOf(name));
+}
+
+TEST_F(MainDialogTemplateTest, TheBoxOfAFailedSaveDoesNotStandUnderAWaitCursor) {
+  Dialog();
+  MakeFolder("folder.xml");
+  WillChoose("folder.xml");
+  Qt::CursorShape shape = Qt::WaitCursor;
+  dialogs.whileAsking = [&shape] {
+    const QCursor* const cursor = QApplication::overrideCursor();
+    shape = cursor != nullptr ? cursor->shape() : Qt::ArrowCursor;
+  };
+  Press(Ctrl::SaveToFile);
+  EXPECT_EQ(dialogs.boxes.size(), 1U);
+  EXPECT_EQ(shape, Qt::ArrowCursor);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(MainDialogTemplateTest, AFailedSaveKeepsTheModifiedFlagAndSaysWhy) {

@@ -228,6 +228,16 @@ TEST_F(MainDialogTestOfItself, ARightClickOnAButtonAsksForHelpAboutIt) {
   EXPECT_EQ(host.help[0].pairs[0].first, 3010);
 }
 
+TEST_F(MainDialogTestOfItself, HelpOnTheColourLegendIsAboutTheLegend) {
+  for (QLabel* const label : Dialog().findChildren<QLabel*>()) {
+    if (GetControlId(*label) != Ctrl::ColourLegend) continue;
+    RightClick(*label, label->rect().center());
+    ASSERT_FALSE(host.help.empty());
+    EXPECT_EQ(host.help.back().pairs[0].first, static_cast<int>(Ctrl::ColourLegend));
+  }
+  EXPECT_EQ(host.help.size(), 4U);
+}
+
 // Exit.
 
 TEST_F(MainDialogTestOfItself, ExitWithNothingToLoseEndsInOrderAndWritesSixKeysInTheirOrder) {
@@ -293,6 +303,18 @@ TEST_F(MainDialogTestOfItself, CancelInTheSecondPromptOfExitLeavesTheInputFileOp
 TEST_F(MainDialogTestOfItself, ExitStopsWhenTheOutputThatWasAskedForIsCancelled) {
   LoadAndOpen();
   const std::string before = State();
+  WillAnswer(BoxAnswer::Yes);
+  WillCancel();
+  Press(Ctrl::Exit);
+  EXPECT_TRUE(IsOpen());
+  EXPECT_EQ(State(), before);
+}
+
+TEST_F(MainDialogTestOfItself, ExitStopsWhenTheSavingThatWasAskedForIsCancelled) {
+  LoadAndOpen();
+  AddStaleRecord();
+  const std::string before = State();
+  WillAnswer(BoxAnswer::No);
   WillAnswer(BoxAnswer::Yes);
   WillCancel();
   Press(Ctrl::Exit);

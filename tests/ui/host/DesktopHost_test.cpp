@@ -363,6 +363,19 @@ TEST_F(HelpWindowTest, APageThatIsNotThereIsTold) {
             "The manual is not installed: there is no page " + PathOf("missing/index.html") + ".");
 }
 
+TEST_F(HelpWindowTest, PictureOfTheShippedManual) {
+  const QString pages = QStringLiteral(BOMPARSER_SOURCE_DIR "/docs/manual/");
+  FakeHostApp profile;
+  HelpWindow manual(profile, QUrl::fromLocalFile(pages + QStringLiteral("index.html")));
+  for (const char* page : {"index", "tutorial", "window-702", "fields", "troubleshooting"}) {
+    manual.ShowPage(QUrl::fromLocalFile(pages + QLatin1String(page) + QStringLiteral(".html")));
+    manual.resize(900, 700);
+    const auto* const text = manual.findChild<QTextBrowser*>();
+    EXPECT_EQ(text->horizontalScrollBar()->maximum(), 0) << page;
+    EXPECT_TRUE(Screenshot(manual, std::string("shipped-manual-") + page));
+  }
+}
+
 TEST_F(HelpWindowTest, PictureOfTheManual) {
   Open("window-744.html");
   Press(Ctrl::ManualFind);

@@ -16,7 +16,8 @@
 namespace bomparser::test {
 
 /// The user of boxes and dialogs that come up over the main dialog, each once it is shown and in
-/// the order in which they are announced. One that was not announced fails the test and is closed.
+/// the order in which they are announced. From the first announcement on, one that was not
+/// announced fails the test and is closed.
 class ModalUser {
  public:
   using Act = std::function<void(QDialog&)>;
