@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QStyle>
 #include <QTextBrowser>
@@ -43,6 +44,7 @@ HelpWindow::HelpWindow(CTNHostApp& profile, QUrl contents)
   // The program ends with its dialog.
   setAttribute(Qt::WA_QuitOnClose, false);
   BuildControls();
+  ColourLinks();
   AddKeys();
   RestoreSize();
 }
@@ -84,6 +86,27 @@ void HelpWindow::BuildControls() {
   connect(find, &QPushButton::clicked, m_findLine, &FindLine::Open);
   connect(m_findLine, &FindLine::Searched, this, &HelpWindow::Find);
   connect(m_findLine, &FindLine::Closed, m_text, [this] { m_text->setFocus(); });
+}
+
+/// Themes with dark windows may leave links dark blue, as if on paper.
+void HelpWindow::ColourLinks() {
+  constexpr int kMiddle = 128;
+  constexpr QColor kLightBlue(0x6C, 0xB0, 0xFF);
+  const QPalette colours = palette();
+  QColor link = colours.color(QPalette::Link);
+  if (colours.color(QPalette::Base).lightness() < kMiddle && link.lightness() <= kMiddle) {
+    link = kLightBlue;
+  }
+  m_text->document()->setDefaultStyleSheet(QStringLiteral("a { color: %1; }").arg(link.name()));
+}
+
+void HelpWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange) return;
+  const int place = m_text->verticalScrollBar()->value();
+  ColourLinks();
+  m_text->reload();
+  m_text->verticalScrollBar()->setValue(place);
 }
 
 void HelpWindow::AddKeys() {

@@ -32,9 +32,11 @@ class HelpWindow final : public QWidget {
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   void BuildControls();
+  void ColourLinks();
   void AddKeys();
   /// Makes this window belong to the dialog that holds up all others, so that it does not hold up
   /// this one.

@@ -614,6 +614,21 @@ TEST_F(MainDialogTestOfItself, PictureOfTheMainDialog) {
   EXPECT_TRUE(Screenshot(Dialog(), "main-dialog-smallest"));
 }
 
+TEST_F(MainDialogTestOfItself, PictureOfTheMainDialogWithARealFile) {
+  const std::string input =
+      qgetenv("BOMPARSER_SAMPLES").toStdString() + "/placement/eagle_partlist_position_inch.txt";
+  if (!IsRegularFile(input)) {
+    GTEST_SKIP() << "BOMPARSER_SAMPLES names no folder of sample files";
+  }
+  host.profile["Start/TEMPLATE_FILE"] =
+      std::string(BOMPARSER_SOURCE_DIR) + "/tests/samples/eagle_partlist_position_inch.xml";
+  host.profile["Start/INPUT_FILE"] = input;
+  Dialog().resize(1280, 800);
+  EXPECT_GT(Engine().GetStats().entityBlocks, 0U);
+  EXPECT_EQ(static_cast<std::uint64_t>(Rows().model()->rowCount()), Engine().GetStats().totalLines);
+  EXPECT_TRUE(Screenshot(Dialog(), "main-dialog-sample"));
+}
+
 TEST_F(MainDialogTestOfItself, PictureOfTheMainDialogAtItsStart) {
   Dialog().resize(1280, 800);
   EXPECT_TRUE(Screenshot(Dialog(), "main-dialog-empty"));

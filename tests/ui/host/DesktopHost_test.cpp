@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -361,6 +362,29 @@ TEST_F(HelpWindowTest, APageThatIsNotThereIsTold) {
   bare.ShowHelp({});
   EXPECT_EQ(Text().toPlainText().toStdString(),
             "The manual is not installed: there is no page " + PathOf("missing/index.html") + ".");
+}
+
+TEST_F(HelpWindowTest, LinksCanBeReadOnDarkPaperToo) {
+  const auto linkLightness = [] {
+    // The first page begins with a row of links.
+    const QTextBlock first = Text().document()->begin();
+    for (auto part = first.begin(); !part.atEnd(); ++part) {
+      if (part.fragment().charFormat().isAnchor())
+        return part.fragment().charFormat().foreground().color().lightness();
+    }
+    return -1;
+  };
+  const QString pages = QStringLiteral(BOMPARSER_SOURCE_DIR "/docs/manual/");
+  Text().setSource(QUrl::fromLocalFile(pages + QStringLiteral("index.html")));
+  const int onWhite = linkLightness();
+  EXPECT_GE(onWhite, 0);
+  EXPECT_LE(onWhite, 160);
+  QPalette dark = QApplication::palette();
+  dark.setColor(QPalette::Base, Qt::black);
+  dark.setColor(QPalette::Text, Qt::white);
+  HelpWindowShown()->setPalette(dark);
+  Settle();
+  EXPECT_GT(linkLightness(), 160);
 }
 
 TEST_F(HelpWindowTest, PictureOfTheShippedManual) {
