@@ -365,6 +365,17 @@ BoxAnswer CTNFileParserDlg::AskQuestion(Msg question) {
   return Ask(BoxIcon::Question, MessageText(question), BoxButtons::YesNoCancel);
 }
 
+bool CTNFileParserDlg::MayGoOn(Msg question, bool (CTNFileParserDlg::*doFirst)()) {
+  switch (AskQuestion(question)) {
+    case BoxAnswer::Yes:
+      return (this->*doFirst)();
+    case BoxAnswer::No:
+      return true;
+    default:
+      return false;
+  }
+}
+
 void CTNFileParserDlg::ShowFailure(const QString& text, const QString& reason) {
   Ask(BoxIcon::Error, text, BoxButtons::Ok, reason);
 }

@@ -180,6 +180,9 @@ class CTNFileParserDlg final : public CTNDlg, private CTNFrontEnd {
 
   BoxAnswer Ask(BoxIcon icon, const QString& text, BoxButtons buttons, const QString& reason = {});
   BoxAnswer AskQuestion(Msg question);
+  /// Asks whether something is to be done before what the user has begun. False when it was wanted
+  /// and not done, or when the user would rather stop.
+  bool MayGoOn(Msg question, bool (CTNFileParserDlg::*doFirst)());
   void ShowFailure(const QString& text, const QString& reason = {});
   /// Runs one command of the user. Nothing else begins meanwhile, and an open editor ends first, as
   /// it does when the focus leaves it.

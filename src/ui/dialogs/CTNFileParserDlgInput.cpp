@@ -55,14 +55,7 @@ void CTNFileParserDlg::OnOpen() {
 bool CTNFileParserDlg::AskOutputFirst() {
   const CTNParserInFile& file = *m_engine->GetInputFile();
   if (!file.IsApplied() || file.IsOutputDone()) return true;
-  switch (AskQuestion(Msg::AskOutputEntityList)) {
-    case BoxAnswer::Yes:
-      return OutputEntityList();
-    case BoxAnswer::No:
-      return true;
-    default:
-      return false;
-  }
+  return MayGoOn(Msg::AskOutputEntityList, &CTNFileParserDlg::OutputEntityList);
 }
 
 void CTNFileParserDlg::OpenInput(const std::string& path) {
@@ -101,14 +94,7 @@ bool CTNFileParserDlg::MayLeaveInput() {
   const CTNParserInFile& file = *m_engine->GetInputFile();
   if (m_engine->GetTemplate()->IsEmptyTemplate() || !file.IsApplied()) return true;
   if (file.IsOutputDone() && !file.IsStale()) return true;
-  switch (AskQuestion(Msg::AskOutputEntityList)) {
-    case BoxAnswer::Yes:
-      return OutputEntityList();
-    case BoxAnswer::No:
-      return true;
-    default:
-      return false;
-  }
+  return MayGoOn(Msg::AskOutputEntityList, &CTNFileParserDlg::OutputEntityList);
 }
 
 void CTNFileParserDlg::CloseInput() {
@@ -118,9 +104,9 @@ void CTNFileParserDlg::CloseInput() {
 }
 
 void CTNFileParserDlg::OnFindTemplate() {
-  if (m_engine->IsTemplateModified()) {
-    const BoxAnswer answer = AskQuestion(Msg::AskSaveTemplate);
-    if (answer == BoxAnswer::Cancel || (answer == BoxAnswer::Yes && !SaveTemplate())) return;
+  if (m_engine->IsTemplateModified() &&
+      !MayGoOn(Msg::AskSaveTemplate, &CTNFileParserDlg::SaveTemplate)) {
+    return;
   }
   std::string error;
   bool cancelled = false;

@@ -47,15 +47,8 @@ void CTNFileParserDlg::OnCreateNew() {
 
 /// Asks whether a modified template is to be saved first.
 bool CTNFileParserDlg::MayDropTemplate() {
-  if (!m_engine->IsTemplateModified()) return true;
-  switch (AskQuestion(Msg::AskSaveModifiedTemplate)) {
-    case BoxAnswer::Yes:
-      return SaveTemplate();
-    case BoxAnswer::No:
-      return true;
-    default:
-      return false;
-  }
+  return !m_engine->IsTemplateModified() ||
+         MayGoOn(Msg::AskSaveModifiedTemplate, &CTNFileParserDlg::SaveTemplate);
 }
 
 void CTNFileParserDlg::ResetTemplate() {
